@@ -1,0 +1,163 @@
+#include "inventory/address_messages.h"
+
+#include <arpa/inet.h>
+#include <linux/if_addr.h>
+#include <linux/netlink.h>
+#include <linux/rtnetlink.h>
+#include <netinet/in.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+namespace addrtool {
+namespace {
+
+using Bytes = std::span<const std::byte>;
+
+constexpr std::size_t headersSize = sizeof(nlmsghdr) + sizeof(ifaddrmsg);
+
+// Copies a T from the front of the bytes, which must hold one: netlink promises no alignment
+// that would survive a hostile length.
+template <typename T>
+T readFront(Bytes bytes) {
+  T value{};
+  std::memcpy(&value, bytes.first(sizeof(T)).data(), sizeof(T));
+  return value;
+}
+
+// The bytes behind an item of the given length and its padding to a multiple of 4; none when the
+// padding reaches past the end.
+Bytes behind(Bytes bytes, std::size_t length) {
+  const std::size_t padded = (length + 3) & ~std::size_t{3};
+  return bytes.subspan(std::min(padded, bytes.size()));
+}
+
+bool holdsMessage(Bytes bytes) {
+  if (bytes.size() < sizeof(nlmsghdr)) return false;
+  const auto length = readFront<nlmsghdr>(bytes).nlmsg_len;
+  return length >= sizeof(nlmsghdr) && length <= bytes.size();
+}
+
+bool holdsAttribute(Bytes bytes) {
+  if (bytes.size() < sizeof(rtattr)) return false;
+  const auto length = readFront<rtattr>(bytes).rta_len;
+  return length >= sizeof(rtattr) && length <= bytes.size();
+}
+
+// Temporary IPv6 addresses and those that autoconfiguration made are not the panel's to manage.
+bool isManaged(const ifaddrmsg& header, bool includeHostScope) {
+  if (header.ifa_family != AF_INET && header.ifa_family != AF_INET6) return false;
+  if (header.ifa_family == AF_INET6) {
+    if ((header.ifa_flags & IFA_F_TEMPORARY) != 0) return false;
+    if ((header.ifa_flags & IFA_F_PERMANENT) == 0) return false;
+  }
+  return header.ifa_scope == RT_SCOPE_UNIVERSE ||
+         (includeHostScope && header.ifa_scope == RT_SCOPE_HOST);
+}
+
+struct AddressAttributes {
+  Bytes address;  // the peer's on a point-to-point link
+  Bytes local;
+  std::string_view label;
+};
+
+std::string_view textUpToNul(Bytes payload) {
+  const auto end = std::find(payload.begin(), payload.end(), std::byte{0});
+  const auto size = static_cast<std::size_t>(end - payload.begin());
+  return {reinterpret_cast<const char*>(payload.data()), size};
+}
+
+// A later attribute replaces an earlier one of its type; one too short for its address counts
+// for nothing.
+AddressAttributes readAttributes(Bytes bytes, std::size_t addressSize) {
+  AddressAttributes found;
+  while (holdsAttribute(bytes)) {
+    const auto header = readFront<rtattr>(bytes);
+    const Bytes payload = bytes.first(header.rta_len).subspan(sizeof(rtattr));
+    const bool holdsAddress = payload.size() >= addressSize;
+    if (header.rta_type == IFA_ADDRESS && holdsAddress) found.address = payload.first(addressSize);
+    if (header.rta_type == IFA_LOCAL && holdsAddress) found.local = payload.first(addressSize);
+    if (header.rta_type == IFA_LABEL) found.label = textUpToNul(payload);
+    bytes = behind(bytes, header.rta_len);
+  }
+  return found;
+}
+
+std::string addressText(int family, Bytes address) {
+  std::array<char, INET6_ADDRSTRLEN + 1> text{};
+  inet_ntop(family, address.data(), text.data(), text.size());
+  return text.data();
+}
+
+void addIPv4(InterfaceAddresses& addresses, std::string_view label, AddressRecord record) {
+  const std::size_t colon = label.find(':');
+  if (colon == std::string_view::npos) {
+    addresses.primaryIPv4.push_back(std::move(record));
+  } else {
+    addresses.aliases.try_emplace(std::string(label.substr(colon + 1)), std::move(record));
+  }
+}
+
+}  // namespace
+
+DatagramKind classifyDatagram(Bytes datagram) {
+  if (!holdsMessage(datagram)) return DatagramKind::Malformed;
+  switch (readFront<nlmsghdr>(datagram).nlmsg_type) {
+    case NLMSG_ERROR:
+      return DatagramKind::Malformed;
+    case NLMSG_DONE:
+      return DatagramKind::EndOfDump;
+    default:
+      return DatagramKind::Addresses;
+  }
+}
+
+AddressCollector::AddressCollector(AddressDump& dump, bool includeHostScope,
+                                   InterfaceNamer interfaceNamer)
+    : dump_(dump),
+      includeHostScope_(includeHostScope),
+      interfaceNamer_(std::move(interfaceNamer)) {}
+
+void AddressCollector::collect(Bytes datagram) {
+  while (holdsMessage(datagram)) {
+    const std::size_t length = readFront<nlmsghdr>(datagram).nlmsg_len;
+    collectMessage(datagram.first(length));
+    datagram = behind(datagram, length);
+  }
+}
+
+// The message's type is not looked at: what is no address message has another family byte.
+void AddressCollector::collectMessage(Bytes message) {
+  if (message.size() < headersSize) return;
+  const auto header = readFront<ifaddrmsg>(message.subspan(sizeof(nlmsghdr)));
+  if (!isManaged(header, includeHostScope_)) return;
+
+  const std::string& interface = interfaceName(header.ifa_index);
+  const bool isIPv4 = header.ifa_family == AF_INET;
+  const auto attributes =
+      readAttributes(message.subspan(headersSize), isIPv4 ? sizeof(in_addr) : sizeof(in6_addr));
+  if (attributes.address.empty()) return;
+
+  // On a point-to-point link the address attribute is the peer's, the local one ours.
+  const Bytes own = attributes.local.empty() ? attributes.address : attributes.local;
+  AddressRecord record{addressText(header.ifa_family, own), header.ifa_prefixlen};
+  if (isIPv4) {
+    addIPv4(dump_[interface], attributes.label, std::move(record));
+  } else if (record.address != "::2") {  // deliberately never managed
+    dump_[interface].ipv6.push_back(std::move(record));
+  }
+}
+
+// Messages of one interface follow one another, and a name costs three system calls.
+const std::string& AddressCollector::interfaceName(unsigned index) {
+  if (index != lastIndex_) {
+    lastName_ = interfaceNamer_(index);
+    lastIndex_ = index;
+  }
+  return lastName_;
+}
+
+}  // namespace addrtool

@@ -1,0 +1,52 @@
+// From the bytes of one rtnetlink datagram to the addresses in it. Knows no socket; whatever the
+// bytes claim about their lengths, nothing outside the given span is read.
+//
+// Formats: netlink(7), rtnetlink(7), <linux/netlink.h>, <linux/rtnetlink.h>, <linux/if_addr.h>.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <span>
+#include <string>
+
+#include "inventory/address_dump.h"
+
+namespace addrtool {
+
+/// What the first message of a datagram says about the datagram as a whole.
+enum class DatagramKind {
+  Malformed,  ///< too short, a first length that cannot be, or an error in place of a reply
+  Addresses,  ///< more datagrams follow
+  EndOfDump,  ///< the last one
+};
+
+/// Judges a datagram by its first message alone: the kernel sends the end of a dump as a
+/// datagram of its own.
+DatagramKind classifyDatagram(std::span<const std::byte> datagram);
+
+/// Gathers the addresses of the datagrams of one dump.
+class AddressCollector {
+ public:
+  /// Gives the name of the interface with this kernel index; raises when there is none.
+  using InterfaceNamer = std::function<std::string(unsigned index)>;
+
+  /// Adds to `dump`, which must outlive the collector. With `includeHostScope`, addresses of host
+  /// scope (127.0.0.1, ::1) are taken too; otherwise only those of universe scope are.
+  AddressCollector(AddressDump& dump, bool includeHostScope, InterfaceNamer interfaceNamer);
+
+  /// Adds the managed addresses of every message of the datagram. Messages that cannot hold what
+  /// they claim are skipped, and a length that cannot be ends the walk. Raises what the namer does.
+  void collect(std::span<const std::byte> datagram);
+
+ private:
+  void collectMessage(std::span<const std::byte> message);
+  const std::string& interfaceName(unsigned index);
+
+  AddressDump& dump_;
+  bool includeHostScope_;
+  InterfaceNamer interfaceNamer_;
+  unsigned lastIndex_ = 0;  // the kernel counts interfaces from 1
+  std::string lastName_;
+};
+
+}  // namespace addrtool

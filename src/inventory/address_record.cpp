@@ -1,0 +1,31 @@
+#include "inventory/address_record.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+
+#include <array>
+#include <bit>
+#include <stdexcept>
+
+namespace addrtool {
+
+std::string prefixToNetmask(const AddressRecord& record) {
+  // The shift count wraps at 32, so a prefix length of 0 leaves every bit set.
+  const std::uint32_t shift = (32U - record.prefixLength) % 32U;
+  const in_addr mask{htonl(~std::uint32_t{0} << shift)};
+
+  std::array<char, INET_ADDRSTRLEN> text{};
+  inet_ntop(AF_INET, &mask, text.data(), text.size());
+  return text.data();
+}
+
+std::uint16_t netmaskToPrefix(const std::string& netmask) {
+  in_addr mask{};
+  if (inet_pton(AF_INET, netmask.c_str(), &mask) != 1) {
+    throw std::runtime_error(netmask + ": cannot convert to netmask");
+  }
+  const std::uint32_t bits = ntohl(mask.s_addr);
+  return bits == 0 ? std::uint16_t{0} : static_cast<std::uint16_t>(32 - std::countr_zero(bits));
+}
+
+}  // namespace addrtool

@@ -1,0 +1,78 @@
+#include "support/child_process.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <ostream>
+#include <stdexcept>
+
+namespace addrtool::testing {
+namespace {
+
+// Memory files rather than pipes: a child may write as much as it likes before it is read.
+int makeMemoryFile(const char* name) {
+  const int fd = memfd_create(name, MFD_CLOEXEC);
+  if (fd == -1) throw std::runtime_error("memfd_create failed");
+  return fd;
+}
+
+std::string takeContents(int fd) {
+  std::string contents;
+  std::array<char, 65536> buffer{};
+  lseek(fd, 0, SEEK_SET);
+  for (ssize_t n = 0; (n = read(fd, buffer.data(), buffer.size())) > 0;) {
+    contents.append(buffer.data(), static_cast<std::size_t>(n));
+  }
+  close(fd);
+  return contents;
+}
+
+}  // namespace
+
+void PrintTo(const Outcome& outcome, std::ostream* stream) {
+  *stream << "exit status " << outcome.exitStatus << ", signal " << outcome.signal
+          << "\n--- standard output\n"
+          << outcome.out << "--- standard error\n"
+          << outcome.err << "---";
+}
+
+Outcome runInChild(const std::function<void()>& function) {
+  const int out = makeMemoryFile("out");
+  const int err = makeMemoryFile("err");
+  std::fflush(nullptr);
+  const pid_t child = fork();
+  if (child == -1) throw std::runtime_error("fork failed");
+  if (child == 0) {
+    dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+    dup2(out, STDOUT_FILENO);
+    dup2(err, STDERR_FILENO);
+    function();
+    std::exit(0);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, WIFSIGNALED(status) ? WTERMSIG(status) : 0,
+          takeContents(out), takeContents(err)};
+}
+
+Outcome runCommand(const std::vector<std::string>& command) {
+  return runInChild([&command] {
+    std::vector<char*> arguments;
+    for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    execvp(arguments.front(), arguments.data());
+    std::perror(arguments.front());
+    _exit(127);
+  });
+}
+
+Outcome runShell(const std::string& script) {
+  return runCommand({"sh", "-c", script});
+}
+
+}  // namespace addrtool::testing

@@ -1,0 +1,45 @@
+#include "support/files.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace addrtool::testing {
+
+namespace fs = std::filesystem;
+
+TemporaryDirectory::TemporaryDirectory() {
+  std::string name = (fs::temp_directory_path() / "addrtool.XXXXXX").string();
+  if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
+  path_ = name;
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+std::string readFile(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw std::runtime_error(path.string() + ": cannot be read");
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void writeFile(const fs::path& path, const std::string& contents) {
+  std::ofstream file(path, std::ios::binary);
+  file << contents;
+  if (!file.flush()) throw std::runtime_error(path.string() + ": cannot be written");
+}
+
+std::vector<std::string> listDirectory(const fs::path& path) {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(path)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace addrtool::testing

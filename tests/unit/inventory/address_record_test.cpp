@@ -1,0 +1,54 @@
+#include "inventory/address_record.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace addrtool {
+namespace {
+
+TEST(PrefixToNetmask, GivesTheDottedMaskOfALength) {
+  const std::vector<std::pair<std::uint16_t, std::string>> table{
+      {1, "128.0.0.0"},        {8, "255.0.0.0"},       {9, "255.128.0.0"},
+      {16, "255.255.0.0"},     {24, "255.255.255.0"},  {30, "255.255.255.252"},
+      {31, "255.255.255.254"}, {32, "255.255.255.255"}};
+  for (const auto& [length, netmask] : table) {
+    EXPECT_EQ(prefixToNetmask({"192.0.2.1", length}), netmask) << "for length " << length;
+  }
+}
+
+TEST(PrefixToNetmask, LengthZeroGivesTheFullMask) {
+  EXPECT_EQ(prefixToNetmask({"192.0.2.1", 0}), "255.255.255.255");
+}
+
+TEST(NetmaskToPrefix, GivesTheLengthOfADottedMask) {
+  const std::vector<std::pair<std::string, std::uint16_t>> table{
+      {"128.0.0.0", 1},        {"255.0.0.0", 8},        {"255.255.255.0", 24},
+      {"255.255.255.252", 30}, {"255.255.255.255", 32}, {"0.0.0.0", 0}};
+  for (const auto& [netmask, length] : table) {
+    EXPECT_EQ(netmaskToPrefix(netmask), length) << "for " << netmask;
+  }
+}
+
+TEST(NetmaskToPrefix, TakesMasksWithGapsByTheirLowestBit) {
+  EXPECT_EQ(netmaskToPrefix("255.0.255.0"), 24);
+  EXPECT_EQ(netmaskToPrefix("0.0.0.255"), 32);
+  EXPECT_EQ(netmaskToPrefix("0.0.128.0"), 17);
+}
+
+TEST(NetmaskToPrefix, RefusesATextThatIsNoDottedMask) {
+  for (const std::string text :
+       {"24", "255.255.255", "", "255.255.255.256", "255.255.255.0 ", "ffff::", "mask"}) {
+    try {
+      netmaskToPrefix(text);
+      ADD_FAILURE() << "took '" << text << "'";
+    } catch (const std::runtime_error& failure) {
+      EXPECT_EQ(failure.what(), text + ": cannot convert to netmask");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace addrtool
