@@ -63,6 +63,7 @@ Outcome runInChild(const std::function<void()>& function) {
 Outcome runCommand(const std::vector<std::string>& command) {
   return runInChild([&command] {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
     execvp(arguments.front(), arguments.data());
