@@ -5,6 +5,7 @@
 
 #include <array>
 #include <bit>
+#include <cstring>
 #include <stdexcept>
 
 namespace addrtool {
@@ -26,6 +27,14 @@ std::uint16_t netmaskToPrefix(const std::string& netmask) {
   }
   const std::uint32_t bits = ntohl(mask.s_addr);
   return bits == 0 ? std::uint16_t{0} : static_cast<std::uint16_t>(32 - std::countr_zero(bits));
+}
+
+bool isSameIPv6Address(const std::string& one, const std::string& other) {
+  in6_addr left{};
+  in6_addr right{};
+  return inet_pton(AF_INET6, one.c_str(), &left) == 1 &&
+         inet_pton(AF_INET6, other.c_str(), &right) == 1 &&
+         std::memcmp(&left, &right, sizeof(left)) == 0;
 }
 
 }  // namespace addrtool
