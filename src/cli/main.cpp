@@ -12,7 +12,10 @@
 #include <utility>
 
 #include "cli/usage.h"
+#include "container/container_check.h"
 #include "inventory/listing.h"
+#include "runtime/messages.h"
+#include "runtime/runtime_config.h"
 
 namespace addrtool {
 namespace {
@@ -22,10 +25,6 @@ using ArgumentAction = void (*)(const std::string& argument);
 
 void deleteAddress(const std::string& /*address*/) {
   throw std::runtime_error("--del: not available in this build");
-}
-
-void printContainerCheck(const std::string& /*address*/) {
-  throw std::runtime_error("--qv-assigned-ip: not available in this build");
 }
 
 void addAddress(const std::string& /*interface*/, const std::string& /*address*/,
@@ -85,9 +84,12 @@ Request parseOptions(int argc, char** argv) {
 }
 
 // An add takes two operands, the address and its netmask or prefix length; nothing else takes any.
-void checkOperands(const Request& request, int argc) {
-  const int operands = argc - optind;
-  if (operands != (request.addInterface.empty() ? 0 : 2)) printUsage();
+void checkOperands(const Request& request, int argc, char** argv) {
+  if (request.addInterface.empty()) {
+    checkLeftoverArguments(argc, optind, argv);
+  } else if (argc - optind != 2) {
+    printUsage();
+  }
 }
 
 // The order is by kind, whatever the order on the command line: the add comes last.
@@ -111,7 +113,8 @@ int main(int argc, char** argv) {
   using namespace addrtool;
   Request request = parseOptions(argc, argv);
   if (request.isEmpty()) printUsage();
-  checkOperands(request, argc);
+  checkOperands(request, argc, argv);
+  static_cast<void>(loadRuntimeConfiguration());  // no action needs a value of it
   try {
     runActions(request, argv + optind);
   } catch (const std::exception& failure) {
