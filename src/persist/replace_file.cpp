@@ -1,0 +1,77 @@
+#include "persist/replace_file.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+
+namespace addrtool {
+namespace {
+
+using TemporaryPath = std::array<char, 4096>;
+
+// What the new file takes over, with the values for a target that does not exist.
+struct Attributes {
+  uid_t user = 0;
+  gid_t group = 0;
+  mode_t mode = 0644;
+};
+
+int readAttributes(const char* path, Attributes& attributes) {
+  struct stat status {};
+  if (stat(path, &status) == -1) return -1;
+  attributes = {status.st_uid, status.st_gid, status.st_mode};
+  return 0;
+}
+
+// The owner comes first, as a change of owner takes the set-id bits away. Neither result matters:
+// the content is worth more than its attributes.
+void applyAttributes(const char* path, const Attributes& attributes) {
+  (void)!chown(path, attributes.user, attributes.group);
+  (void)!chmod(path, attributes.mode);
+}
+
+// Beside the target, so that the rename stays within one file system. Null for a failure; a
+// descriptor that cannot become a stream is given up together with its file.
+std::FILE* openTemporary(const char* path, TemporaryPath& temporary) {
+  const int length = std::snprintf(temporary.data(), temporary.size(), "%s.XXXXXX", path);
+  if (length < 0 || static_cast<std::size_t>(length) >= temporary.size()) {
+    errno = ENAMETOOLONG;
+    return nullptr;
+  }
+  const int descriptor = mkstemp(temporary.data());
+  return descriptor == -1 ? nullptr : fdopen(descriptor, "w");
+}
+
+}  // namespace
+
+int replaceFile(const char* path, FileWriter writer, void* context, int mustExist) {
+  Attributes attributes;
+  if (readAttributes(path, attributes) == -1 && mustExist != 0) return -1;
+
+  TemporaryPath temporary{};
+  std::FILE* newFile = openTemporary(path, temporary);
+  if (newFile == nullptr) return -1;
+
+  std::FILE* oldFile = std::fopen(path, "r");
+  if (oldFile == nullptr && mustExist != 0) {
+    const int openError = errno;
+    std::fclose(newFile);
+    errno = openError;
+    return -1;
+  }
+  const int result = writer(oldFile, newFile, context);
+  std::fclose(newFile);
+  if (oldFile != nullptr) std::fclose(oldFile);
+
+  applyAttributes(temporary.data(), attributes);
+  if (result != 0) {
+    unlink(temporary.data());
+    return result;
+  }
+  return std::rename(temporary.data(), path);
+}
+
+}  // namespace addrtool
