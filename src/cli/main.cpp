@@ -7,10 +7,11 @@
 #include <cstdlib>
 #include <exception>
 #include <queue>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
+#include "changes/add_address.h"
+#include "changes/delete_address.h"
 #include "cli/usage.h"
 #include "container/container_check.h"
 #include "inventory/listing.h"
@@ -22,15 +23,6 @@ namespace {
 
 using PlainAction = void (*)();
 using ArgumentAction = void (*)(const std::string& argument);
-
-void deleteAddress(const std::string& /*address*/) {
-  throw std::runtime_error("--del: not available in this build");
-}
-
-void addAddress(const std::string& /*interface*/, const std::string& /*address*/,
-                const std::string& /*netmaskOrPrefix*/) {
-  throw std::runtime_error("--add: not available in this build");
-}
 
 constexpr std::array<std::pair<char, PlainAction>, 2> plainActionTable{{
     {'l', listAddresses},

@@ -1,0 +1,59 @@
+#include "changes/add_address.h"
+
+#include <cstdint>
+#include <stdexcept>
+
+#include "changes/run_ifconfig.h"
+#include "inventory/kernel_addresses.h"
+#include "persist/alias_file.h"
+#include "persist/ipv6_list.h"
+#include "runtime/parse_unsigned16.h"
+
+namespace addrtool {
+
+void addAddress(const std::string& interface, const std::string& address,
+                const std::string& netmaskOrPrefix) {
+  if (address.find(':') == std::string::npos) {
+    addIPv4Address(interface, {address, netmaskToPrefix(netmaskOrPrefix)});
+    return;
+  }
+  std::uint16_t prefixLength = 0;
+  if (parseUnsigned16(netmaskOrPrefix.c_str(), &prefixLength) != 0) {
+    throw std::runtime_error(netmaskOrPrefix + ": cannot convert to int");
+  }
+  addIPv6Address(interface, {address, prefixLength});
+}
+
+void addIPv4Address(const std::string& interface, const AddressRecord& record) {
+  AddressDump dump;
+  readKernelAddresses(dump, false);
+  const auto found = dump.find(interface);
+  if (found == dump.end()) throw std::runtime_error(interface + ": no such network interface.");
+
+  const std::string number = lowestFreeAliasNumber(found->second.aliases);
+  if (number.empty()) throw std::runtime_error(interface + ": no free alias number.");
+
+  const std::string label = interface + ':' + number;
+  bringUpAlias(label, record);
+  writeAliasFile({label, record});
+}
+
+void addIPv6Address(const std::string& interface, const AddressRecord& record) {
+  runIfconfig(interface + " add " + formatIPv6Entry(record));
+  addIPv6ToInterfaceFile({interface, record});
+}
+
+std::string lowestFreeAliasNumber(const AliasMap& aliases) {
+  for (std::uint16_t number = 1; number != 0; ++number) {
+    std::string text = std::to_string(number);
+    if (!aliases.contains(text)) return text;
+  }
+  return {};  // the counter has come round
+}
+
+void bringUpAlias(const std::string& label, const AddressRecord& record) {
+  runIfconfig("'" + label + "' '" + record.address + "' netmask  '" + prefixToNetmask(record) +
+              "' up");
+}
+
+}  // namespace addrtool
