@@ -112,7 +112,7 @@ ListedAddresses readLists(const std::vector<std::string>& lines, const std::stri
 // The line of the first secondary as the primary, which it is from then on, whatever its address.
 std::string promoteFirst(std::vector<AddressRecord>& secondaries, const std::string& removed) {
   if (secondaries.empty()) throw std::runtime_error("Cannot remove last IPv6 address " + removed);
-  const std::string line = std::string(primaryKey) + formatIPv6Entry(secondaries.front()) + '\n';
+  std::string line = std::string(primaryKey) + formatIPv6Entry(secondaries.front()) + '\n';
   secondaries.erase(secondaries.begin());
   return line;
 }

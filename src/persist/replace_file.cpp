@@ -29,8 +29,8 @@ int readAttributes(const char* path, Attributes& attributes) {
 // The owner comes first, as a change of owner takes the set-id bits away. Neither result matters:
 // the content is worth more than its attributes.
 void applyAttributes(const char* path, const Attributes& attributes) {
-  (void)!chown(path, attributes.user, attributes.group);
-  (void)!chmod(path, attributes.mode);
+  [[maybe_unused]] const int ignored = chown(path, attributes.user, attributes.group);
+  chmod(path, attributes.mode);
 }
 
 // Beside the target, so that the rename stays within one file system. Null for a failure; a
