@@ -1,0 +1,421 @@
+// The two edits of the IPv6 lists, from one stream to another.
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "persist/ipv6_list.h"
+#include "persist/replace_file.h"
+#include "support/child_process.h"
+#include "support/files.h"
+
+namespace addrtool {
+namespace {
+
+using testing::Outcome;
+using testing::readFile;
+using testing::runInChild;
+using testing::TemporaryDirectory;
+using testing::writeFile;
+
+// What became of a file.
+struct Edited {
+  int result = 0;
+  std::string contents;  // as written, which counts only when the result is 0
+  std::string said;      // on each of the two output streams
+
+  bool operator==(const Edited&) const = default;
+};
+
+void PrintTo(const Edited& edited, std::ostream* stream) {
+  *stream << "result " << edited.result << ", said '" << edited.said << "'\n" << edited.contents;
+}
+
+// In a child of its own, so that what it says can be read. With this errno on the way in, which
+// ends up in what it says.
+Edited edit(FileWriter writer, const std::string& address, const std::string& contents,
+            int error = 0) {
+  const TemporaryDirectory directory;
+  writeFile(directory / "old", contents);
+  const Outcome outcome = runInChild([&] {
+    std::FILE* oldFile = std::fopen((directory / "old").c_str(), "r");
+    std::FILE* newFile = std::fopen((directory / "new").c_str(), "w");
+    LabelledAddress context{"eth0", {address, 64}};
+    errno = error;
+    const int result = writer(oldFile, newFile, &context);
+    std::fclose(oldFile);
+    std::fclose(newFile);
+    std::exit(result == -1 ? 1 : result);
+  });
+  EXPECT_EQ(outcome.out, outcome.err);
+  EXPECT_EQ(outcome.signal, 0);
+  return {outcome.exitStatus == 1 ? -1 : outcome.exitStatus, readFile(directory / "new"),
+          outcome.err};
+}
+
+Edited adding(const std::string& contents, int error = 0) {
+  return edit(copyWithIPv6, "2001:db8::5", contents, error);
+}
+
+Edited removing(const std::string& address, const std::string& contents, int error = 0) {
+  return edit(copyWithoutIPv6, address, contents, error);
+}
+
+struct Row {
+  std::string before;
+  std::string after;
+};
+
+void expectAdded(const std::vector<Row>& table) {
+  for (const auto& [before, after] : table) {
+    EXPECT_EQ(adding(before), (Edited{0, after, ""})) << "for the file\n" << before;
+  }
+}
+
+void expectRemoved(const std::string& address, const std::vector<Row>& table) {
+  for (const auto& [before, after] : table) {
+    EXPECT_EQ(removing(address, before), (Edited{0, after, ""}))
+        << "without " << address << " for the file\n"
+        << before;
+  }
+}
+
+void expectUntouched(const std::string& address, const std::vector<std::string>& files) {
+  for (const std::string& contents : files) expectRemoved(address, {{contents, contents}});
+}
+
+// --- adding ------------------------------------------------------------------
+
+TEST(IPv6Adding, AFileWithoutAListGetsOneAtItsEnd) {
+  const std::string newList = "IPV6ADDR_SECONDARIES=\"2001:db8::5/64\"\n";
+  expectAdded({
+      {"", newList},
+      {"DEVICE=eth0\n", "DEVICE=eth0\n" + newList},
+      {"IPV6ADDR=2001:db8::1/64\nMTU=1500\n", "IPV6ADDR=2001:db8::1/64\nMTU=1500\n" + newList},
+  });
+}
+
+TEST(IPv6Adding, TheNewAddressGoesFirst) {
+  expectAdded({
+      {"IPV6ADDR_SECONDARIES=2001:db8::2/64\n",
+       "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::2/64\"\n"},
+      {"A=1\nIPV6ADDR_SECONDARIES=2001:db8::2/64 2001:db8::3/48\nB=2\n",
+       "A=1\nIPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::2/64 2001:db8::3/48\"\nB=2\n"},
+      {"IPV6ADDR_SECONDARIES=2001:db8::2/64",  // without a line feed
+       "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::2/64\"\n"},
+  });
+}
+
+TEST(IPv6Adding, AListInQuotesLosesItsLastPrefixLength) {
+  expectAdded({
+      {"IPV6ADDR_SECONDARIES=\"2001:db8::2/64\"\n",
+       "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::2/0\"\n"},
+      {"IPV6ADDR_SECONDARIES='2001:db8::3/64 2001:db8::2/64'\n",
+       "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::3/64 2001:db8::2/0\"\n"},
+  });
+}
+
+TEST(IPv6Adding, EntriesAreRewrittenAsTheyWereRead) {
+  expectAdded({{"IPV6ADDR_SECONDARIES= 2001:DB8:0::2/+064   junk/x\t/1\n",
+                "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:DB8:0::2/64 junk/0 /1\"\n"}});
+}
+
+TEST(IPv6Adding, AnAddressIsListedAsOftenAsItIsAdded) {
+  expectAdded({{"IPV6ADDR=2001:db8::5/64\nIPV6ADDR_SECONDARIES=2001:db8::5/64\n",
+                "IPV6ADDR=2001:db8::5/64\n"
+                "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::5/64\"\n"}});
+}
+
+TEST(IPv6Adding, AnEmptyListIsKeptAndANewOneGoesToTheEnd) {
+  const std::string newList = "IPV6ADDR_SECONDARIES=\"2001:db8::5/64\"\n";
+  for (const std::string list :
+       {"IPV6ADDR_SECONDARIES=\n", "IPV6ADDR_SECONDARIES=\"\"\n", "IPV6ADDR_SECONDARIES=''\n",
+        "IPV6ADDR_SECONDARIES= \t\n", "IPV6ADDR_SECONDARIES\n", "IPV6ADDR_SECONDARIES_X=\n"}) {
+    expectAdded({{list + "A=1\n", list + "A=1\n" + newList}});
+  }
+}
+
+TEST(IPv6Adding, AnEmptyListBesideAFullOneIsKept) {
+  expectAdded({{"IPV6ADDR_SECONDARIES=\nIPV6ADDR_SECONDARIES=a/1\nIPV6ADDR_SECONDARIES=''\n",
+                "IPV6ADDR_SECONDARIES=\n"
+                "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 a/1\"\n"
+                "IPV6ADDR_SECONDARIES=''\n"}});
+}
+
+TEST(IPv6Adding, ASecondListRepeatsTheTextOfTheFirst) {
+  expectAdded({{"IPV6ADDR_SECONDARIES=a/1\nA=1\nIPV6ADDR_SECONDARIES=b/2\n",
+                "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 a/1\"\n"
+                "A=1\n"
+                "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 a/1\"\n b/2\"\n"}});
+}
+
+TEST(IPv6Adding, AKeyThatBeginsLikeTheListsIsTakenForIt) {
+  expectAdded({{"IPV6ADDR_SECONDARIES_OLD=2001:db8::2/64\n",
+                "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::2/64\"\n"},
+               {"IPV6ADDR_SECONDARIESX a=b/1\n", "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 b/1\"\n"}});
+}
+
+TEST(IPv6Adding, OnlyAKeyAtTheStartOfALineCounts) {
+  const std::string newList = "IPV6ADDR_SECONDARIES=\"2001:db8::5/64\"\n";
+  for (const std::string line :
+       {" IPV6ADDR_SECONDARIES=a/1\n", "#IPV6ADDR_SECONDARIES=a/1\n", "ipv6addr_secondaries=a/1\n",
+        "IPV6ADDR_SECONDARIE=a/1\n", "IPV6ADDR=a\n", "export IPV6ADDR_SECONDARIES=a/1\n",
+        "IPV6ADDR _SECONDARIES=a/1\n"}) {
+    expectAdded({{line, line + newList}});
+  }
+}
+
+TEST(IPv6Adding, AnUnfinishedLastLineIsNotFinishedForIt) {
+  expectAdded({{"A=1\nB=2", "A=1\nB=2IPV6ADDR_SECONDARIES=\"2001:db8::5/64\"\n"}});
+}
+
+TEST(IPv6Adding, AnEntryThatCannotBeParsedIsReportedAndFails) {
+  for (const std::string list : {"IPV6ADDR_SECONDARIES=a/1 bad b/2\n",
+                                 "IPV6ADDR_SECONDARIES=a/1\nIPV6ADDR_SECONDARIES=bad\n"}) {
+    const Edited edited = adding(list);
+    EXPECT_EQ(edited.result, -1);
+    EXPECT_EQ(edited.said, "bad: cannot parse IPv6 address\n");
+  }
+}
+
+TEST(IPv6Adding, AReportIsNoFormat) {
+  EXPECT_EQ(adding("IPV6ADDR_SECONDARIES=%s%n\n").said, "%s%n: cannot parse IPv6 address\n");
+}
+
+TEST(IPv6Adding, AReportCarriesAnEarlierSystemError) {
+  EXPECT_EQ(adding("IPV6ADDR_SECONDARIES=bad\n", ENOENT).said,
+            "bad: cannot parse IPv6 address\nSystem error 2: No such file or directory\n");
+}
+
+// --- removing ----------------------------------------------------------------
+
+TEST(IPv6Removing, ASecondaryGoesAndTheOthersKeepTheirOrder) {
+  expectRemoved("2001:db8::2",
+                {{"IPV6ADDR=2001:db8::1/64\n"
+                  "IPV6ADDR_SECONDARIES=2001:db8::3/64 2001:db8::2/48 2001:db8::4/56\nB=2\n",
+                  "IPV6ADDR=2001:db8::1/64\n"
+                  "IPV6ADDR_SECONDARIES=\"2001:db8::3/64 2001:db8::4/56\"\nB=2\n"},
+                 {"IPV6ADDR_SECONDARIES=2001:db8::3/64 2001:db8::2/64",
+                  "IPV6ADDR_SECONDARIES=\"2001:db8::3/64\"\n"}});
+}
+
+TEST(IPv6Removing, TheLastSecondaryTakesTheListWithIt) {
+  expectRemoved("2001:db8::2",
+                {{"IPV6ADDR='2001:db8::1/64'\nIPV6ADDR_SECONDARIES=\"2001:db8::2/64\"\nA=1\n",
+                  "IPV6ADDR='2001:db8::1/64'\nA=1\n"}});
+}
+
+TEST(IPv6Removing, ASecondaryGoesAsOftenAsItIsListed) {
+  expectRemoved("2001:db8::2",
+                {{"IPV6ADDR_SECONDARIES=2001:db8::2/64 2001:db8::3/64 2001:db8:0::2/48\n",
+                  "IPV6ADDR_SECONDARIES=\"2001:db8::3/64\"\n"}});
+}
+
+TEST(IPv6Removing, TheWrittenFormDoesNotMatter) {
+  for (const std::string address :
+       {"2001:db8::2", "2001:DB8::2", "2001:0db8:0:0:0:0:0:0002", "2001:db8::0.0.0.2"}) {
+    expectRemoved(address, {{"IPV6ADDR_SECONDARIES=2001:db8::3/64 2001:db8::2/64\n",
+                             "IPV6ADDR_SECONDARIES=\"2001:db8::3/64\"\n"},
+                            {"IPV6ADDR_SECONDARIES=2001:DB8:0::0:2/64 2001:DB8:0::3/64\n",
+                             "IPV6ADDR_SECONDARIES=\"2001:DB8:0::3/64\"\n"},
+                            {"IPV6ADDR=2001:DB8::0:2/64\nIPV6ADDR_SECONDARIES=2001:db8::3/64\n",
+                             "IPV6ADDR=2001:db8::3/64\n"}});
+  }
+}
+
+TEST(IPv6Removing, ThePrimaryIsFollowedByTheFirstSecondary) {
+  expectRemoved("2001:db8::1",
+                {{"A=1\nIPV6ADDR=2001:db8::1/64\nIPV6ADDR_SECONDARIES=2001:db8::2/48 "
+                  "2001:db8::3/64\nB=2\n",
+                  "A=1\nIPV6ADDR=2001:db8::2/48\nIPV6ADDR_SECONDARIES=\"2001:db8::3/64\"\nB=2\n"},
+                 {"IPV6ADDR_SECONDARIES=2001:db8::2/48\nIPV6ADDR=\"2001:db8::1/64\"",
+                  "IPV6ADDR=2001:db8::2/48\n"},
+                 {"IPV6ADDR=2001:db8::1/64\nIPV6ADDR_SECONDARIES=\"2001:db8::2/64\"\n",
+                  "IPV6ADDR=2001:db8::2/0\n"}});
+}
+
+TEST(IPv6Removing, APromotedSecondaryIsNotRemovedItself) {
+  expectRemoved("2001:db8::1",
+                {{"IPV6ADDR=2001:db8::1/64\n"
+                  "IPV6ADDR_SECONDARIES=2001:db8::1/48 2001:db8::2/64 2001:db8::1/56\n",
+                  "IPV6ADDR=2001:db8::1/48\nIPV6ADDR_SECONDARIES=\"2001:db8::2/64\"\n"}});
+}
+
+TEST(IPv6Removing, ThePrimaryIsReadWithoutItsQuotesBlanksAndPrefixLength) {
+  for (const std::string value :
+       {"2001:db8::1/64\n", "2001:db8::1\n", "\"2001:db8::1/64\"\n", "'2001:db8::1/64'\n",
+        " \t'\" 2001:db8::1 \"'\r\n", "2001:db8::1/64/x\n", "2001:db8::1/\n", "2001:db8::1"}) {
+    expectRemoved("2001:db8::1",
+                  {{"IPV6ADDR_SECONDARIES=a/1\nIPV6ADDR=" + value, "IPV6ADDR=a/1\n"}});
+  }
+}
+
+TEST(IPv6Removing, APrimaryThatIsAnotherTextIsNotThePrimary) {
+  for (const std::string value : {"2001:db8::1 /64", "\"2001:db8::1\"/64", "2001:db8::1\f",
+                                  "\v2001:db8::1", "2001:db8::1%eth0", "/2001:db8::1", "", "::1"}) {
+    expectUntouched("2001:db8::1", {"IPV6ADDR=" + value + "\n"});
+  }
+}
+
+TEST(IPv6Removing, TheLastPrimaryLineDecides) {
+  expectRemoved("2001:db8::1",
+                {{"IPV6ADDR=2001:db8::9/64\nIPV6ADDR_SECONDARIES=a/1\nIPV6ADDR=2001:db8::1/64\n",
+                  "IPV6ADDR=a/1\nIPV6ADDR=a/1\n"}});
+  expectUntouched("2001:db8::1", {"IPV6ADDR=2001:db8::1/64\nIPV6ADDR=2001:db8::9/64\n"});
+}
+
+TEST(IPv6Removing, EveryListBecomesTheMergedList) {
+  expectRemoved("2001:db8::2", {{"IPV6ADDR_SECONDARIES=a/1 2001:db8::2/64\nA=1\n"
+                                 "IPV6ADDR_SECONDARIES=\nIPV6ADDR_SECONDARIES=b/2\n",
+                                 "IPV6ADDR_SECONDARIES=\"a/1 b/2\"\nA=1\n"
+                                 "IPV6ADDR_SECONDARIES=\"a/1 b/2\"\n"
+                                 "IPV6ADDR_SECONDARIES=\"a/1 b/2\"\n"}});
+}
+
+TEST(IPv6Removing, AnAddressThatIsNowhereOnlyRewritesTheLists) {
+  expectRemoved("2001:db8::7",
+                {{"IPV6ADDR=\"2001:db8::1/64\"\nIPV6ADDR_SECONDARIES='2001:DB8::2/064 a/64'\n",
+                  "IPV6ADDR=\"2001:db8::1/64\"\nIPV6ADDR_SECONDARIES=\"2001:DB8::2/64 a/0\"\n"},
+                 {"A=1\nIPV6ADDR_SECONDARIES=\"\"\n", "A=1\n"}});
+  expectUntouched("2001:db8::7", {"", "\n", "A=1\nIPV6ADDR=2001:db8::1/64\n"});
+}
+
+TEST(IPv6Removing, OnlyTheWholeKeyAtTheStartOfALineCounts) {
+  expectUntouched("2001:db8::1",
+                  {"IPV6ADDR_SECONDARIES_OLD=2001:db8::1/64\n", "IPV6ADDR_SECONDARIES\n",
+                   "IPV6ADDR_SECONDARIES =2001:db8::1/64\n", " IPV6ADDR=2001:db8::1/64\n",
+                   "#IPV6ADDR=2001:db8::1/64\n", "ipv6addr=2001:db8::1/64\n",
+                   "IPV6ADDR =2001:db8::1/64\n", "IPV6ADDRESS=2001:db8::1/64\n"});
+}
+
+TEST(IPv6Removing, ATextThatIsNoAddressMatchesNothing) {
+  for (const std::string address : {"", "junk", "192.0.2.1", "2001:db8::g", "2001:db8:::1"}) {
+    expectUntouched(address, {"IPV6ADDR=" + address + "/64\n"});
+    expectRemoved(address, {{"IPV6ADDR_SECONDARIES=" + address + "/64 a/1\n",
+                             "IPV6ADDR_SECONDARIES=\"" + address + "/64 a/1\"\n"}});
+  }
+  expectUntouched("2001:db8::1/64", {"IPV6ADDR=2001:db8::1/64\n"});
+}
+
+TEST(IPv6Removing, TheLastAddressIsRefused) {
+  for (const std::string lists : {"", "IPV6ADDR_SECONDARIES=\n", "IPV6ADDR_SECONDARIES=\"\"\n",
+                                  "IPV6ADDR_SECONDARIES_OLD=a/1\n"}) {
+    const Edited edited = removing("2001:DB8::1", "IPV6ADDR=2001:db8::1/64\n" + lists);
+    EXPECT_EQ(edited, (Edited{-1, "", "Cannot remove last IPv6 address 2001:DB8::1\n"}));
+  }
+}
+
+TEST(IPv6Removing, AnEntryThatCannotBeParsedIsReportedAndFails) {
+  for (const std::string file :
+       {"IPV6ADDR_SECONDARIES=2001:db8::1/64 bad\n",
+        "IPV6ADDR=2001:db8::1/64\nIPV6ADDR_SECONDARIES=bad/1/2\nIPV6ADDR_SECONDARIES=bad\n"}) {
+    const std::string token = file.find("bad/") == std::string::npos ? "bad" : "bad/1/2";
+    EXPECT_EQ(removing("2001:db8::1", file),
+              (Edited{-1, "", token + ": cannot parse IPv6 address\n"}));
+  }
+}
+
+TEST(IPv6Removing, AReportCarriesAnEarlierSystemError) {
+  EXPECT_EQ(removing("2001:db8::1", "IPV6ADDR=2001:db8::1/64\n", ENOENT).said,
+            "Cannot remove last IPv6 address 2001:db8::1\n"
+            "System error 2: No such file or directory\n");
+}
+
+// --- both --------------------------------------------------------------------
+
+TEST(IPv6Edits, OtherLinesAreCopiedByteForByte) {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  const std::string lines = bytes + "\r\n\n  \n" + std::string(3, '\0') + "\n" + bytes + "\n";
+  expectUntouched("2001:db8::1", {lines, lines + "no line feed", std::string(1, '\0')});
+  expectAdded({{lines, lines + "IPV6ADDR_SECONDARIES=\"2001:db8::5/64\"\n"}});
+}
+
+TEST(IPv6Edits, ALongLineIsAsManyLinesAsItHasPiecesOf8095Bytes) {
+  const std::string list = "IPV6ADDR_SECONDARIES=a/1\n";
+  const std::string newList = "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 a/1\"\n";
+  const std::string addedList = "IPV6ADDR_SECONDARIES=\"2001:db8::5/64\"\n";
+  for (const std::size_t length : {8095U, 2 * 8095U}) {
+    const std::string filler(length, 'x');
+    expectAdded({{filler + list, filler + newList}});
+    expectRemoved("2001:db8::1",
+                  {{filler + "IPV6ADDR=2001:db8::1/64\n" + list, filler + "IPV6ADDR=a/1\n"}});
+  }
+  for (const std::size_t length : {8094U, 8096U, 2 * 8095U - 1}) {
+    const std::string filler(length, 'x');
+    expectAdded({{filler + list, filler + list + addedList}});
+    expectUntouched("2001:db8::1", {filler + "IPV6ADDR=2001:db8::1/64\n" + filler + list});
+  }
+}
+
+TEST(IPv6Edits, TheLineFeedBelongsToThePiece) {
+  const std::string line = std::string(8094, 'x') + '\n';  // exactly one piece
+  expectAdded({{line + "IPV6ADDR_SECONDARIES=a/1\n",
+                line + "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 a/1\"\n"}});
+}
+
+TEST(IPv6Edits, AListLongerThanAPieceIsCutInTwo) {
+  std::string piece = "IPV6ADDR_SECONDARIES=2001:db8::2/64";
+  piece.resize(8095, ' ');
+  expectAdded({{piece + "2001:db8::3/64\nA=1\n",
+                "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::2/64\"\n2001:db8::3/64\nA=1\n"}});
+
+  piece.replace(8095 - 4, 4, "2001");
+  for (const Edited& edited :
+       {adding(piece + ":db8::3/64\n"), removing("2001:db8::2", piece + ":db8::3/64\n")}) {
+    EXPECT_EQ(edited, (Edited{-1, "", "2001: cannot parse IPv6 address\n"}));
+  }
+}
+
+// A file whose reading fails after that text.
+std::FILE* openFailing(std::string& text) {
+  cookie_io_functions_t functions{};
+  functions.read = [](void* cookie, char* buffer, std::size_t size) -> ssize_t {
+    auto& rest = *static_cast<std::string*>(cookie);
+    if (rest.empty()) return -1;
+    const std::size_t count = rest.copy(buffer, size);
+    rest.erase(0, count);
+    return static_cast<ssize_t>(count);
+  };
+  return fopencookie(&text, "r", functions);
+}
+
+TEST(IPv6Edits, AReadErrorFailsWithoutAWord) {
+  for (const FileWriter writer : {copyWithIPv6, copyWithoutIPv6}) {
+    for (std::string text : {"", "A=1\n", "A=1\nB", "IPV6ADDR=2001:db8::5/64\n",
+                             "IPV6ADDR_SECONDARIES=a/1\nIPV6ADDR_SECONDARIES=b/1 cut"}) {
+      const Outcome outcome = runInChild([&] {
+        std::FILE* oldFile = openFailing(text);
+        std::FILE* newFile = std::fopen("/dev/null", "w");
+        LabelledAddress context{"eth0", {"2001:db8::5", 64}};
+        const int result = writer(oldFile, newFile, &context);
+        std::fclose(oldFile);
+        std::fclose(newFile);
+        std::exit(result == -1 ? 1 : 0);
+      });
+      EXPECT_EQ(outcome, (Outcome{1, 0, "", ""})) << text;
+    }
+  }
+}
+
+TEST(IPv6Edits, AWriteErrorIsNotNoticed) {
+  for (const FileWriter writer : {copyWithIPv6, copyWithoutIPv6}) {
+    const TemporaryDirectory directory;
+    writeFile(directory / "old", "A=1\nIPV6ADDR_SECONDARIES=a/1\n");
+    std::FILE* oldFile = std::fopen((directory / "old").c_str(), "r");
+    std::FILE* full = std::fopen("/dev/full", "w");
+    std::setvbuf(full, nullptr, _IONBF, 0);
+    LabelledAddress context{"eth0", {"2001:db8::5", 64}};
+    EXPECT_EQ(writer(oldFile, full, &context), 0);
+    EXPECT_NE(std::ferror(full), 0);
+    std::fclose(oldFile);
+    std::fclose(full);
+  }
+}
+
+}  // namespace
+}  // namespace addrtool

@@ -1,0 +1,129 @@
+#include "persist/ipv6_list.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace addrtool {
+
+// For readable failures.
+void PrintTo(const AddressRecord& record, std::ostream* stream) {
+  *stream << record.address << " with " << record.prefixLength;
+}
+
+namespace {
+
+using Entries = std::vector<AddressRecord>;
+using Table = std::vector<std::pair<std::string, Entries>>;
+
+void expectLists(const Table& table) {
+  for (const auto& [line, expected] : table) {
+    Entries entries;
+    parseIPv6List(line, entries);
+    EXPECT_EQ(entries, expected) << "for the line '" << line << "'";
+  }
+}
+
+TEST(IPv6List, IsWhatFollowsTheEqualsSignSplitAtWhiteSpace) {
+  const AddressRecord first{"2001:db8::2", 64};
+  const AddressRecord second{"2001:db8::3", 48};
+  expectLists({
+      {"K=2001:db8::2/64", {first}},
+      {"K=2001:db8::2/64\n", {first}},
+      {"K=2001:db8::2/64 2001:db8::3/48\n", {first, second}},
+      {"K= \t2001:db8::2/64\v \f2001:db8::3/48\r\n", {first, second}},
+      {"=2001:db8::2/64\n", {first}},
+  });
+}
+
+TEST(IPv6List, IsEmptyWithoutAValue) {
+  expectLists({
+      {"", {}},
+      {"\n", {}},
+      {"K\n", {}},
+      {"2001:db8::2/64\n", {}},
+      {"K=", {}},
+      {"K=\n", {}},
+      {"K= \t\n", {}},
+      {"K=\"\"", {}},
+      {"K=''\n", {}},
+      {"K=\"\"\"''\n", {}},
+  });
+}
+
+TEST(IPv6List, AClosingQuoteCostsTheLastEntryItsPrefixLength) {
+  const AddressRecord first{"2001:db8::2", 64};
+  expectLists({
+      {"K=\"2001:db8::2/64\"\n", {{"2001:db8::2", 0}}},
+      {"K='2001:db8::2/64'\n", {{"2001:db8::2", 0}}},
+      {"K=\"2001:db8::2/64\"", {{"2001:db8::2", 0}}},
+      {"K=\"2001:db8::2/64 2001:db8::3/64\"\n", {first, {"2001:db8::3", 0}}},
+      {"K=\"'\"2001:db8::2/64 2001:db8::3/64'\"\n", {first, {"2001:db8::3", 0}}},
+  });
+}
+
+TEST(IPv6List, AnOpeningQuoteAloneCostsNothing) {
+  expectLists({{"K=\"2001:db8::2/64\n", {{"2001:db8::2", 64}}},
+               {"K=''\"2001:db8::2/64\n", {{"2001:db8::2", 64}}}});
+}
+
+TEST(IPv6List, TheLengthOfTheValueIsThePlaceOfItsEndInTheLine) {
+  // Only a line without a key is short enough for that to cut something off.
+  expectLists({{"=2001:db8::2/64\"", {{"2001:db8::2", 64}}}});
+}
+
+TEST(IPv6List, KeepsAddressesAsTheyAreWritten) {
+  expectLists({{"K=2001:DB8:0:0::1/64 junk/7 192.0.2.1/24 /8 a=b/9\n",
+                {{"2001:DB8:0:0::1", 64}, {"junk", 7}, {"192.0.2.1", 24}, {"", 8}, {"a=b", 9}}}});
+}
+
+TEST(IPv6List, APrefixLengthThatIsNoNumberIsZero) {
+  expectLists(
+      {{"K=a/0 b/ c/64x d/-1 e/65536 f/x g/'64' h/0x40\n",
+        {{"a", 0}, {"b", 0}, {"c", 0}, {"d", 0}, {"e", 0}, {"f", 0}, {"g", 0}, {"h", 0}}},
+       {"K=a/65535 b/+64 c/0064 d/129\n", {{"a", 65535}, {"b", 64}, {"c", 64}, {"d", 129}}}});
+}
+
+TEST(IPv6List, IsAppendedToWhatIsThere) {
+  Entries entries{{"2001:db8::1", 64}};
+  parseIPv6List("K=2001:db8::2/64\n", entries);
+  parseIPv6List("K=2001:db8::2/64\n", entries);
+  EXPECT_EQ(entries, (Entries{{"2001:db8::1", 64}, {"2001:db8::2", 64}, {"2001:db8::2", 64}}));
+}
+
+TEST(IPv6List, AnEntryNeedsExactlyOneSlash) {
+  const std::vector<std::pair<std::string, std::string>> table{
+      {"K=2001:db8::2\n", "2001:db8::2"},
+      {"K=a/1 2001:db8::2 b/2\n", "2001:db8::2"},
+      {"K=2001:db8::2//64\n", "2001:db8::2//64"},
+      {"K=2001:db8::2/64/\n", "2001:db8::2/64/"},
+      {"K=//\n", "//"},
+      {"K=2001:db8::2/ 64\n", "64"},
+      {"K=\"2001:db8::2/64 \"\n", "\""},
+      {"K='2001:db8::2/64 '\n", "'"},
+      {"K= \"\"\n", "\"\""},
+      {"K=\"2001:db8::2\"\n", "2001:db8::2\""},
+  };
+  for (const auto& [line, token] : table) {
+    Entries entries;
+    try {
+      parseIPv6List(line, entries);
+      ADD_FAILURE() << "took '" << line << "'";
+    } catch (const std::runtime_error& failure) {
+      EXPECT_EQ(failure.what(), token + ": cannot parse IPv6 address");
+    }
+  }
+}
+
+TEST(IPv6List, FormatsAnEntryWithItsLengthInDecimal) {
+  EXPECT_EQ(formatIPv6Entry({"2001:db8::5", 64}), "2001:db8::5/64");
+  EXPECT_EQ(formatIPv6Entry({"2001:DB8:0::5", 0}), "2001:DB8:0::5/0");
+  EXPECT_EQ(formatIPv6Entry({"", 65535}), "/65535");
+}
+
+}  // namespace
+}  // namespace addrtool
