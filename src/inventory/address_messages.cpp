@@ -153,7 +153,7 @@ void AddressCollector::collectMessage(Bytes message) {
 
 // Messages of one interface follow one another, and a name costs three system calls.
 const std::string& AddressCollector::interfaceName(unsigned index) {
-  if (index != lastIndex_) {
+  if (lastIndex_ != index) {
     lastName_ = interfaceNamer_(index);
     lastIndex_ = index;
   }

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -45,7 +46,7 @@ class AddressCollector {
   AddressDump& dump_;
   bool includeHostScope_;
   InterfaceNamer interfaceNamer_;
-  unsigned lastIndex_ = 0;  // the kernel counts interfaces from 1
+  std::optional<unsigned> lastIndex_;
   std::string lastName_;
 };
 
