@@ -1,0 +1,56 @@
+// Runs datagrams through an AddressCollector, each in heap memory of exactly its size, and prints
+// what came out.
+#pragma once
+
+#include <array>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "inventory/address_messages.h"
+#include "support/netlink_bytes.h"
+
+namespace addrtool {
+
+inline void PrintTo(const AddressRecord& record, std::ostream* stream) {
+  *stream << record.address << '/' << record.prefixLength;
+}
+
+inline void PrintTo(const InterfaceAddresses& addresses, std::ostream* stream) {
+  for (const AddressRecord& record : addresses.primaryIPv4)
+    PrintTo(record, &(*stream << " plain "));
+  for (const auto& [suffix, record] : addresses.aliases) {
+    PrintTo(record, &(*stream << " :" << suffix << ' '));
+  }
+  for (const AddressRecord& record : addresses.ipv6) PrintTo(record, &(*stream << ' '));
+}
+
+}  // namespace addrtool
+
+namespace addrtool::testing {
+
+/// A machine with the interfaces 1 eth0, 2 eth1 and 3 lo.
+inline std::string nameOfInterface(unsigned index) {
+  static constexpr std::array<const char*, 3> names{"eth0", "eth1", "lo"};
+  if (index == 0 || index > names.size()) {
+    throw std::runtime_error("no interface " + std::to_string(index));
+  }
+  return names.at(index - 1);
+}
+
+inline AddressDump collect(const std::vector<std::string>& datagrams, bool includeHostScope = false,
+                           AddressCollector::InterfaceNamer interfaceNamer = nameOfInterface) {
+  AddressDump dump;
+  AddressCollector collector(dump, includeHostScope, std::move(interfaceNamer));
+  for (const std::string& datagram : datagrams) collector.collect(ExactBytes(datagram).span());
+  return dump;
+}
+
+inline AddressDump collect(const std::vector<AddressMessage>& messages,
+                           bool includeHostScope = false) {
+  return collect({datagramOf(messages)}, includeHostScope);
+}
+
+}  // namespace addrtool::testing

@@ -1,0 +1,63 @@
+// Builds the bytes of rtnetlink datagrams, well-formed or not, for tests of what reads them.
+#pragma once
+
+#include <linux/if_addr.h>
+#include <linux/rtnetlink.h>
+#include <sys/socket.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace addrtool::testing {
+
+/// One attribute of an address message.
+struct Attribute {
+  std::uint16_t type = IFA_UNSPEC;
+  std::string payload;
+  std::optional<std::uint16_t> claimedLength = {};  ///< in place of the true one, padding excluded
+};
+
+/// The bytes that inet_pton(3) gives for the text, IPv4 or IPv6. Raises for any other text.
+std::string addressBytes(const std::string& address);
+
+Attribute addressAttribute(const std::string& address);
+Attribute localAttribute(const std::string& address);
+/// As the kernel writes a label: with its NUL.
+Attribute labelAttribute(const std::string& label);
+
+/// One address message. Its defaults are those of a plain address that an administrator added.
+struct AddressMessage {
+  std::uint8_t family = AF_INET;
+  std::uint8_t prefixLength = 24;
+  std::uint8_t flags = IFA_F_PERMANENT;
+  std::uint8_t scope = RT_SCOPE_UNIVERSE;
+  std::uint32_t index = 1;
+  std::vector<Attribute> attributes = {};
+  std::uint16_t type = RTM_NEWADDR;
+  std::optional<std::uint32_t> claimedLength = {};  ///< in place of the true one
+};
+
+/// The datagram with these messages, each padded to a multiple of 4 but for the last.
+std::string datagramOf(const std::vector<AddressMessage>& messages);
+
+/// A message header alone, with nothing behind it.
+std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type);
+
+/// A copy of the bytes in heap memory of exactly their size, so that the address sanitizer sees
+/// each read before or behind them.
+class ExactBytes {
+ public:
+  explicit ExactBytes(const std::string& bytes);
+  std::span<const std::byte> span() const { return {memory_.get(), size_}; }
+
+ private:
+  std::unique_ptr<std::byte[]> memory_;
+  std::size_t size_;
+};
+
+}  // namespace addrtool::testing
