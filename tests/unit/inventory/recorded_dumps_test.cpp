@@ -1,0 +1,179 @@
+// Dumps of a real kernel, recorded with tests/support/record_dumps, where their scenes are told.
+#include <gtest/gtest.h>
+#include <linux/netlink.h>
+#include <linux/rtnetlink.h>
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "inventory/address_messages.h"
+#include "support/collect.h"
+#include "support/files.h"
+#include "support/netlink_bytes.h"
+
+namespace addrtool::testing {
+namespace {
+
+std::vector<std::string> recordedDatagrams(const std::string& scene) {
+  const std::filesystem::path data = ADDRTOOL_DATA_DIR;
+  std::vector<std::string> datagrams;
+  while (exists(data / (scene + '.' + std::to_string(datagrams.size())))) {
+    datagrams.push_back(readFile(data / (scene + '.' + std::to_string(datagrams.size()))));
+  }
+  return datagrams;
+}
+
+std::string nameInScene(unsigned index) {
+  static const std::map<unsigned, std::string> names{{1, "lo"},    {2, "veth-peer"}, {3, "eth0"},
+                                                     {10, "eth1"}, {11, "peer1"},    {12, "eth2"},
+                                                     {13, "peer2"}};
+  return names.at(index);
+}
+
+AddressDump replay(const std::string& scene, bool includeHostScope = false) {
+  return collect(recordedDatagrams(scene), includeHostScope, nameInScene);
+}
+
+TEST(RecordedDumps, EndWithADatagramOfTheirOwn) {
+  for (const auto& [scene, size] :
+       std::map<std::string, std::size_t>{{"fresh", 2}, {"varied", 2}, {"many", 4}}) {
+    const auto datagrams = recordedDatagrams(scene);
+    ASSERT_EQ(datagrams.size(), size) << scene;
+    for (const std::string& datagram : datagrams) {
+      EXPECT_EQ(classifyDatagram(ExactBytes(datagram).span()),
+                datagram == datagrams.back() ? DatagramKind::EndOfDump : DatagramKind::Addresses);
+    }
+    EXPECT_EQ(collect({datagrams.back()}, true, nameInScene), AddressDump{}) << scene;
+  }
+}
+
+TEST(RecordedDumps, AFreshMachineHasItsTwoAddresses) {
+  EXPECT_EQ(
+      replay("fresh"),
+      (AddressDump{{"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}}, .ipv6 = {{"2001:db8::1", 64}}}}}));
+}
+
+TEST(RecordedDumps, WithHostScopeTheLoopbackAddressesAreThereToo) {
+  EXPECT_EQ(replay("fresh", true),
+            (AddressDump{
+                {"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}}, .ipv6 = {{"2001:db8::1", 64}}}},
+                {"lo", {.primaryIPv4 = {{"127.0.0.1", 8}}, .ipv6 = {{"::1", 128}}}},
+            }));
+}
+
+// What the kernel knows besides: addresses of link and host scope, a second address labelled
+// eth0:1, temporary and limited IPv6 addresses, and "::2", the only one of eth2.
+const AddressDump varied{
+    {"eth0",
+     {.aliases = {{"1", {"192.0.2.11", 24}},
+                  {"10", {"192.0.2.10", 24}},
+                  {"2", {"192.0.2.2", 24}},
+                  {"web:2", {"192.0.2.12", 24}}},
+      .primaryIPv4 = {{"192.0.2.1", 24}, {"198.51.100.1", 32}, {"203.0.113.1", 0}},
+      .ipv6 = {{"::3", 128}, {"2001:db8:1::1", 128}, {"2001:db8:2::1", 64}, {"2001:db8::1", 64}}}},
+    {"eth1",
+     {.aliases = {{"1", {"10.1.0.1", 16}}, {"10", {"10.1.0.10", 16}}, {"2", {"10.1.0.2", 16}}}}},
+    {"lo", {.primaryIPv4 = {{"10.9.9.9", 32}}}},
+};
+
+TEST(RecordedDumps, AVariedMachineHasItsManagedAddresses) {
+  EXPECT_EQ(replay("varied"), varied);
+}
+
+TEST(RecordedDumps, WithHostScopeAVariedMachineHasThoseToo) {
+  AddressDump expected = varied;
+  auto& eth0 = expected.at("eth0").primaryIPv4;
+  eth0.insert(eth0.begin(), {"10.0.0.2", 32});
+  auto& loopback = expected.at("lo");
+  loopback.primaryIPv4.insert(loopback.primaryIPv4.begin(), {"127.0.0.1", 8});
+  loopback.ipv6 = {{"::1", 128}};
+  EXPECT_EQ(replay("varied", true), expected);
+}
+
+TEST(RecordedDumps, ManyAddressesComeOverSeveralDatagrams) {
+  InterfaceAddresses eth0{.primaryIPv4 = {{"192.0.2.1", 24}}};
+  for (int n = 0; n < 150; ++n) {
+    const std::string address = "10.2." + std::to_string(n / 100) + '.' + std::to_string(n % 100);
+    eth0.primaryIPv4.push_back({address, 32});
+  }
+  std::array<char, 32> address{};
+  for (int n = 50; n > 0; --n) {  // the kernel gives the latest first
+    std::snprintf(address.data(), address.size(), "2001:db8:3::%x", n);
+    eth0.ipv6.push_back({address.data(), 128});
+  }
+  eth0.ipv6.push_back({"2001:db8::1", 64});
+  EXPECT_EQ(replay("many"), (AddressDump{{"eth0", eth0}}));
+}
+
+// Where the messages of the datagram end, and its start.
+std::vector<std::size_t> messageEnds(const std::string& datagram) {
+  std::vector<std::size_t> ends{0};
+  while (ends.back() < datagram.size()) {
+    nlmsghdr header{};
+    std::memcpy(&header, datagram.data() + ends.back(), sizeof(header));
+    ends.push_back(ends.back() + header.nlmsg_len);
+  }
+  return ends;
+}
+
+TEST(RecordedDumps, CutAtAnyLengthGiveTheMessagesThatAreWhole) {
+  for (const std::string scene : {"fresh", "varied"}) {
+    for (const std::string& datagram : recordedDatagrams(scene)) {
+      const auto ends = messageEnds(datagram);
+      ASSERT_EQ(ends.back(), datagram.size());
+      std::size_t whole = 0;
+      AddressDump expected;
+      for (std::size_t length = 0; length <= datagram.size(); ++length) {
+        if (whole + 1 < ends.size() && length == ends.at(whole + 1)) {
+          ++whole;
+          const std::string last =
+              datagram.substr(ends.at(whole - 1), ends.at(whole) - ends.at(whole - 1));
+          AddressCollector collector(expected, true, nameInScene);
+          collector.collect(ExactBytes(last).span());
+        }
+        ASSERT_EQ(collect({datagram.substr(0, length)}, true, nameInScene), expected)
+            << scene << " cut at " << length;
+      }
+      EXPECT_EQ(whole, ends.size() - 1);
+    }
+  }
+}
+
+// The message cut to this length, and claiming it.
+AddressDump collectShortened(const std::string& message, std::size_t length) {
+  std::string cut = message.substr(0, length);
+  const auto claimed = static_cast<std::uint32_t>(length);
+  std::memcpy(cut.data(), &claimed, sizeof(claimed));
+  return collect({cut}, true, nameInScene);
+}
+
+TEST(RecordedDumps, MessagesShortenedToAnyLengthGiveTheAttributesThatAreWhole) {
+  const std::string datagram = recordedDatagrams("varied").front();
+  const auto ends = messageEnds(datagram);
+  for (std::size_t n = 1; n < ends.size(); ++n) {
+    const std::string message = datagram.substr(ends.at(n - 1), ends.at(n) - ends.at(n - 1));
+    std::size_t whole = 16;
+    std::size_t next = 24;
+    for (std::size_t length = 16; length <= message.size(); ++length) {
+      rtattr attribute{};
+      if (next + sizeof(attribute) <= message.size()) {
+        std::memcpy(&attribute, message.data() + next, sizeof(attribute));
+      }
+      if (length == next + attribute.rta_len) {
+        whole = length;
+        next += (attribute.rta_len + 3U) / 4 * 4;
+      }
+      ASSERT_EQ(collectShortened(message, length), collectShortened(message, whole))
+          << "message " << n << " shortened to " << length;
+    }
+    EXPECT_EQ((whole + 3) / 4 * 4, message.size());
+  }
+}
+
+}  // namespace
+}  // namespace addrtool::testing
