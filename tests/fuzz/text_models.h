@@ -1,0 +1,40 @@
+// The small texts of operands and files, read a second time and in another way than the product
+// reads them: what the harnesses compare it with.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace addrtool::fuzz {
+
+/// The text of the bytes up to the first zero byte, as an operand or a C function sees them.
+std::string upToNul(const std::string& bytes);
+
+/// The parts between the separators; always at least one.
+std::vector<std::string> splitAt(const std::string& text, char separator);
+
+/// An unsigned 16-bit number, or why there is none.
+struct ModelNumber {
+  std::optional<std::uint16_t> value;
+  bool isOutOfRange = false;
+};
+
+/// Strict decimal conversion: white space around, a plus in front, nothing above 65535.
+ModelNumber modelUnsigned16(const std::string& text);
+
+/// The 32 bits of a dotted quad: four parts of up to three digits, none above 255 and none with a
+/// leading zero.
+std::optional<std::uint32_t> modelDottedQuad(const std::string& text);
+
+/// The prefix length of those bits, from the lowest one that is set; 0 for none.
+std::uint16_t modelPrefixLength(std::uint32_t mask);
+
+/// The dotted netmask of a prefix length, which counts modulo 32; 0 as 32.
+std::string modelNetmask(std::uint16_t prefixLength);
+
+/// Whether both are IPv6 addresses and the same one.
+bool modelSameIPv6(const std::string& one, const std::string& other);
+
+}  // namespace addrtool::fuzz
