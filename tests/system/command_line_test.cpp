@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "support/child_process.h"
 
@@ -18,9 +20,90 @@ const std::string usageText =
     "  -v,  --qv-assigned-ip <ipaddress>            determine if <ipaddress> was assigned to this "
     "VE\n";
 
+const std::string freshMachine =
+    "192.0.2.1 255.255.255.0 eth0 1\n"
+    "2001:db8::1 64 eth0 0\n";
+
+Outcome addrtool(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), "addrtool");
+  return runCommand(arguments);
+}
+
 TEST(CommandLine, NothingAskedForPrintsTheUsageText) {
-  EXPECT_EQ(runCommand({"addrtool"}), (Outcome{2, 0, "", usageText}));
-  EXPECT_EQ(runCommand({"addrtool", "--main"}), (Outcome{2, 0, "", usageText}));
+  const std::vector<std::vector<std::string>> table{
+      {}, {"--main"}, {"--main", "--main"}, {"operand"}, {"--"}, {"-a", ""}, {"--add="}};
+  for (const auto& arguments : table) {
+    EXPECT_EQ(addrtool(arguments), (Outcome{2, 0, "", usageText}));
+  }
+}
+
+TEST(CommandLine, HelpPrintsTheUsageText) {
+  EXPECT_EQ(addrtool({"-h"}), (Outcome{2, 0, "", usageText}));
+  EXPECT_EQ(addrtool({"--help"}), (Outcome{2, 0, "", usageText}));
+}
+
+TEST(CommandLine, BadOptionsAloneAreComplainedOfAndPrintTheUsageText) {
+  const std::vector<std::pair<std::vector<std::string>, std::string>> table{
+      {{"-x"}, "addrtool: invalid option -- 'x'\n"},
+      {{"-m"}, "addrtool: invalid option -- 'm'\n"},  // --main has no short form
+      {{"-x", "-y"}, "addrtool: invalid option -- 'x'\naddrtool: invalid option -- 'y'\n"},
+      {{"--wrong"}, "addrtool: unrecognized option '--wrong'\n"},
+      {{"--list=now"}, "addrtool: option '--list' doesn't allow an argument\n"},
+      {{"-d"}, "addrtool: option requires an argument -- 'd'\n"},
+      {{"-v"}, "addrtool: option requires an argument -- 'v'\n"},
+      {{"-a"}, "addrtool: option requires an argument -- 'a'\n"},
+      {{"--del"}, "addrtool: option '--del' requires an argument\n"},
+      {{"--qv-assigned-ip"}, "addrtool: option '--qv-assigned-ip' requires an argument\n"},
+      {{"--main", "--add"}, "addrtool: option '--add' requires an argument\n"}};
+  for (const auto& [arguments, complaint] : table) {
+    EXPECT_EQ(addrtool(arguments), (Outcome{2, 0, "", complaint + usageText}));
+  }
+}
+
+TEST(CommandLine, WhatElseWasAskedForIsDoneInSpiteOfABadOption) {
+  EXPECT_EQ(addrtool({"-x", "-l"}),
+            (Outcome{0, 0, freshMachine, "addrtool: invalid option -- 'x'\n"}));
+  EXPECT_EQ(addrtool({"-l", "-d"}),
+            (Outcome{0, 0, freshMachine, "addrtool: option requires an argument -- 'd'\n"}));
+}
+
+TEST(CommandLine, ListIsAskedForInEverySpelling) {
+  const std::vector<std::vector<std::string>> table{
+      {"-l"}, {"--list"}, {"--li"}, {"--main", "-l"}, {"-l", "--main"}, {"-l", "-a", ""}};
+  for (const auto& arguments : table) {
+    EXPECT_EQ(addrtool(arguments), (Outcome{0, 0, freshMachine, ""})) << arguments.back();
+  }
+}
+
+TEST(CommandLine, ARepeatedOptionIsDoneAgain) {
+  EXPECT_EQ(addrtool({"-l", "-l"}), (Outcome{0, 0, freshMachine + freshMachine, ""}));
+  EXPECT_EQ(addrtool({"-lll"}), (Outcome{0, 0, freshMachine + freshMachine + freshMachine, ""}));
+}
+
+TEST(CommandLine, TheUsageTextEndsWhatWasAskedForBehindIt) {
+  EXPECT_EQ(addrtool({"-l", "-h"}), (Outcome{2, 0, freshMachine, usageText}));
+  EXPECT_EQ(addrtool({"-l", "-h", "-l", "-h"}), (Outcome{2, 0, freshMachine, usageText}));
+  EXPECT_EQ(addrtool({"-h", "-l"}), (Outcome{2, 0, "", usageText}));
+  EXPECT_EQ(addrtool({"-d", "192.0.2.1", "-h"}), (Outcome{2, 0, "", usageText}));
+}
+
+TEST(CommandLine, AnAddWithoutItsTwoOperandsPrintsTheUsageText) {
+  const std::vector<std::vector<std::string>> table{
+      {"-a", "eth0"},
+      {"-a", "eth0", "192.0.2.5"},
+      {"192.0.2.5", "-a", "eth0"},
+      {"-a", "eth0", "192.0.2.5", "255.255.255.0", "more"},
+      {"more", "--add", "eth0", "192.0.2.5", "-l", "255.255.255.0"},
+      {"-l", "-a", "eth0", "192.0.2.5"}};
+  for (const auto& arguments : table) {
+    EXPECT_EQ(addrtool(arguments), (Outcome{2, 0, "", usageText})) << arguments.size() << " words";
+  }
+  EXPECT_EQ(addrtool({"-l"}).out, freshMachine);
+}
+
+TEST(CommandLine, AFailureIsReportedAfterWhatWasDoneBefore) {
+  EXPECT_EQ(addrtool({"-d", "192.0.2.1", "-l"}),
+            (Outcome{1, 0, freshMachine, "192.0.2.1: cannot delete main IP on interface\n"}));
 }
 
 }  // namespace
