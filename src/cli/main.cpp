@@ -107,11 +107,12 @@ int main(int argc, char** argv) {
   if (request.isEmpty()) printUsage();
   checkOperands(request, argc, argv);
   static_cast<void>(loadRuntimeConfiguration());  // no action needs a value of it
+  int status = exitDone;
   try {
     runActions(request, argv + optind);
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "%s\n", failure.what());
-    std::exit(exitFailure);
+    status = exitFailure;
   }
-  std::exit(exitDone);
+  std::exit(status);
 }
