@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <stdexcept>
@@ -15,6 +16,7 @@
 #include "persist/ipv6_list.h"
 #include "support/child_process.h"
 #include "support/files.h"
+#include "support/system_calls.h"
 
 namespace addrtool::testing {
 namespace {
@@ -158,6 +160,23 @@ TEST_F(AliasFiles, BelongToRootWhateverTheUmaskAndTheDirectory) {
   umask(077);
   writeAlias();
   expectStatus(aliasFile, 0, 0, 0644);
+}
+
+TEST_F(AliasFiles, GetOwnerThenModeThenPlaceAndNoSync) {
+  const Trace trace =
+      traceCommand({"-e", "trace=chown,chmod,rename,unlink,fsync,fdatasync,syncfs,sync"},
+                   {"addrtool", "--add", "eth0", "10.0.0.5", "255.255.255.0"});
+  EXPECT_EQ(trace.outcome, (Outcome{0, 0, "", ""}));
+
+  std::string calls;
+  for (const std::string& call : trace.calls) {
+    if (!call.starts_with("--- SIGCHLD")) calls += call + '\n';
+  }
+  const std::string temporary = calls.substr(0, calls.find(',')).substr(std::strlen("chown("));
+  EXPECT_TRUE(temporary.starts_with("\"" + aliasFile.string() + ".")) << temporary;
+  EXPECT_EQ(calls, "chown(" + temporary + ", 0, 0) = 0\n" +      //
+                       "chmod(" + temporary + ", 0644) = 0\n" +  //
+                       "rename(" + temporary + ", \"" + aliasFile.string() + "\") = 0\n");
 }
 
 TEST_F(AliasFiles, AreReplacedWholeWithTheirOwnerAndMode) {

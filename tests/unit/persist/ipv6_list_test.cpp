@@ -11,7 +11,7 @@
 namespace addrtool {
 
 // For readable failures.
-void PrintTo(const AddressRecord& record, std::ostream* stream) {
+static void PrintTo(const AddressRecord& record, std::ostream* stream) {
   *stream << record.address << " with " << record.prefixLength;
 }
 
