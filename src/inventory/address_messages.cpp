@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -86,9 +87,20 @@ AddressAttributes readAttributes(Bytes bytes, std::size_t addressSize) {
   return found;
 }
 
-std::string addressText(int family, Bytes address) {
-  std::array<char, INET6_ADDRSTRLEN + 1> text{};
-  inet_ntop(family, address.data(), text.data(), text.size());
+// What inet_ntop(3) prints, which goes through sprintf(3) and would be a third of a long listing.
+std::string ipv4Text(Bytes address) {
+  std::array<char, INET_ADDRSTRLEN> text{};
+  char* end = text.data();
+  for (const std::byte part : address) {
+    if (end != text.data()) *end++ = '.';
+    end = std::to_chars(end, text.data() + text.size(), std::to_integer<unsigned>(part)).ptr;
+  }
+  return {text.data(), end};
+}
+
+std::string ipv6Text(Bytes address) {
+  std::array<char, INET6_ADDRSTRLEN> text{};
+  inet_ntop(AF_INET6, address.data(), text.data(), text.size());
   return text.data();
 }
 
@@ -143,7 +155,7 @@ void AddressCollector::collectMessage(Bytes message) {
 
   // On a point-to-point link the address attribute is the peer's, the local one ours.
   const Bytes own = attributes.local.empty() ? attributes.address : attributes.local;
-  AddressRecord record{addressText(header.ifa_family, own), header.ifa_prefixlen};
+  AddressRecord record{isIPv4 ? ipv4Text(own) : ipv6Text(own), header.ifa_prefixlen};
   if (isIPv4) {
     addIPv4(dump_[interface], attributes.label, std::move(record));
   } else if (record.address != "::2") {  // deliberately never managed
