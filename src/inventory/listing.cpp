@@ -1,9 +1,11 @@
 #include "inventory/listing.h"
 
-#include <cstdio>
+#include <unistd.h>
+
 #include <optional>
 #include <set>
 #include <stdexcept>
+#include <string_view>
 
 #include "inventory/address_inventory.h"
 
@@ -13,13 +15,21 @@ namespace {
 // One write for each line: the panel may read while the rest is still being printed.
 void printLine(std::string line) {
   line += '\n';
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fflush(stdout);
+  std::string_view rest = line;
+  while (!rest.empty()) {
+    const ssize_t written = write(STDOUT_FILENO, rest.data(), rest.size());
+    if (written == -1) return;
+    rest.remove_prefix(static_cast<std::size_t>(written));
+  }
 }
 
 std::string joinFields(const std::string& address, const std::string& netmask,
                        const std::string& interface, bool isPrimary) {
-  return address + ' ' + netmask + ' ' + interface + ' ' + (isPrimary ? '1' : '0');
+  std::string line;
+  line.reserve(address.size() + netmask.size() + interface.size() + sizeof("   0\n"));
+  line.append(address).append(1, ' ').append(netmask).append(1, ' ').append(interface);
+  line.append(isPrimary ? " 1" : " 0");
+  return line;
 }
 
 // The netmask text of the last prefix length: neighbours mostly share theirs.
