@@ -7,7 +7,6 @@
 #include <boost/algorithm/string/trim.hpp>
 #include <cstddef>
 #include <exception>
-#include <locale>
 #include <stdexcept>
 #include <string_view>
 
@@ -156,6 +155,7 @@ int runEdit(Edit edit, std::FILE* oldFile, std::FILE* newFile, void* context) {
 
 void parseIPv6List(const std::string& line, std::vector<AddressRecord>& entries) {
   constexpr const char* quotes = "'\"";
+  constexpr const char* blanks = " \t\n\v\f\r";  // a class of std::locale would double the program
   const std::size_t equals = line.find('=');
   if (equals == std::string::npos) return;
   const std::size_t start = std::min(line.find_first_not_of(quotes, equals + 1), line.size());
@@ -163,8 +163,7 @@ void parseIPv6List(const std::string& line, std::vector<AddressRecord>& entries)
   const std::string value = line.substr(start, line.find_last_not_of(quotes));
 
   std::vector<std::string> tokens;
-  boost::split(tokens, value, boost::is_classified(std::ctype_base::space),
-               boost::token_compress_on);
+  boost::split(tokens, value, boost::is_any_of(blanks), boost::token_compress_on);
   for (const std::string& token : tokens) {
     if (!token.empty()) entries.push_back(parseEntry(token));
   }
