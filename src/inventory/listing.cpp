@@ -18,7 +18,7 @@ void printLine(std::string line) {
   std::string_view rest = line;
   while (!rest.empty()) {
     const ssize_t written = write(STDOUT_FILENO, rest.data(), rest.size());
-    if (written == -1) return;
+    if (written <= 0) return;
     rest.remove_prefix(static_cast<std::size_t>(written));
   }
 }

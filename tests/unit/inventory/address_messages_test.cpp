@@ -1,10 +1,13 @@
 #include "inventory/address_messages.h"
 
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <linux/if_addr.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
+#include <netinet/in.h>
 
+#include <array>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -36,6 +39,20 @@ AddressDump eth0With(const InterfaceAddresses& addresses) {
 }
 
 const AddressDump nothing;
+
+// --- how addresses are written ---
+
+TEST(AddressMessages, AnIPv4AddressIsWrittenAsInetNtopWritesIt) {
+  for (unsigned value = 0; value < 256; ++value) {
+    for (const unsigned shift : {0U, 8U, 16U, 24U}) {
+      const in_addr address{htonl(0x01020304U ^ (value << shift))};
+      std::array<char, INET_ADDRSTRLEN> expected{};
+      ASSERT_NE(inet_ntop(AF_INET, &address, expected.data(), expected.size()), nullptr);
+      EXPECT_EQ(collect({ipv4(expected.data())}),
+                eth0With({.primaryIPv4 = {{expected.data(), 24}}}));
+    }
+  }
+}
 
 // --- which messages count ---
 
