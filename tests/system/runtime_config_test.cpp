@@ -1,0 +1,237 @@
+// The library behind /etc/kel/kel.conf, called directly. It keeps what it loaded for the life of
+// the process, so each run of it is a child.
+#include "runtime/runtime_config.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "support/child_process.h"
+#include "support/failing_allocator.h"
+#include "support/files.h"
+#include "support/log_recorder.h"
+
+namespace addrtool::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path config = "/etc/kel/kel.conf";
+constexpr const char* definesNothing = "# nothing\n";
+
+void print(const char* text) {
+  std::printf("%s\n", text == nullptr ? "(null)" : text);
+}
+
+// What a child prints on standard output that finds the file (none for null) at its start.
+std::string outputWith(const char* contents, const std::function<void()>& function) {
+  fs::create_directories(config.parent_path());
+  fs::remove(config);
+  if (contents != nullptr) writeFile(config, contents);
+  const Outcome outcome = runInChild(function);
+  EXPECT_EQ(outcome.exitStatus, 0) << outcome.err;
+  return outcome.out;
+}
+
+TEST(LoadRuntimeConfiguration, ReadsTheFileOnce) {
+  EXPECT_EQ(outputWith("NAME first\n",
+                       [] {
+                         std::printf("%d\n", loadRuntimeConfiguration());
+                         writeFile(config, "NAME second\n");
+                         std::printf("%d\n", loadRuntimeConfiguration());
+                         print(lookupConfigFile("NAME"));
+                         fs::remove(config);
+                         std::printf("%d\n", loadRuntimeConfiguration());
+                       }),
+            "0\n0\nfirst\n0\n");
+}
+
+TEST(LoadRuntimeConfiguration, AMissingFileFailsSilently) {
+  fs::remove_all(config.parent_path());
+  EXPECT_EQ(runInChild([] {
+              const int result = loadRuntimeConfiguration();
+              std::exit(result == -1 && errno == ENOENT ? 9 : 8);
+            }),
+            (Outcome{9, 0, "", ""}));
+}
+
+TEST(LoadRuntimeConfiguration, NothingIsKeptAfterAFailure) {
+  EXPECT_EQ(outputWith(nullptr,
+                       [] {
+                         std::printf("%d\n", loadRuntimeConfiguration());
+                         fs::create_directory(config);
+                         std::printf("%d\n", loadRuntimeConfiguration());
+                         fs::remove(config);
+                         writeFile(config, "NAME value\n");
+                         std::printf("%d\n", loadRuntimeConfiguration());
+                         print(lookupConfigFile("NAME"));
+                       }),
+            "-1\n-1\n0\nvalue\n");
+}
+
+TEST(LoadRuntimeConfiguration, WithoutMemoryForTheStructureItSaysSo) {
+  EXPECT_EQ(outputWith(definesNothing,
+                       [] {
+                         const FailingAllocations failing(1);
+                         std::printf("%d\n", loadRuntimeConfiguration());
+                         std::printf("%d\n", loadRuntimeConfiguration());
+                       }),
+            "Not enough memory to allocate Vexa runtime configuration structure\n-1\n0\n");
+  EXPECT_EQ(runInChild([] {
+              const LogRecorder log;
+              const FailingAllocations failing(1);
+              const bool failed = loadRuntimeConfiguration() == -1;
+              const auto messages = LogRecorder::take();
+              std::exit(failed && messages.size() == 1 && messages[0].priority == 3 ? 0 : 8);
+            }),
+            (Outcome{0, 0, "", ""}));
+}
+
+TEST(LoadRuntimeConfiguration, WithoutMemoryForTheTableItFails) {
+  for (const int nth : {2, 3, 4, 5, 6}) {
+    EXPECT_EQ(outputWith("NAME value\n",
+                         [nth] {
+                           {
+                             const FailingAllocations failing(nth);
+                             std::printf("%d\n", loadRuntimeConfiguration());
+                           }
+                           print(lookupConfigFile("NAME"));
+                         }),
+              "-1\nvalue\n")
+        << "for allocation " << nth;
+  }
+}
+
+TEST(LookupConfigFile, LoadsTheFileAndFindsTheName) {
+  EXPECT_EQ(outputWith("B 1\nNAME value\nA 2\nB 3\n",
+                       [] {
+                         print(lookupConfigFile("NAME"));
+                         print(lookupConfigFile("B"));
+                         print(lookupConfigFile("C"));
+                         print(lookupConfigFile("DUMP_D"));
+                       }),
+            "value\n3\n(null)\n(null)\n");
+}
+
+TEST(LookupConfigFile, GivesNullWhileTheFileCannotBeLoaded) {
+  EXPECT_EQ(outputWith(nullptr,
+                       [] {
+                         print(lookupConfigFile("NAME"));
+                         writeFile(config, "NAME value\n");
+                         print(lookupConfigFile("NAME"));
+                       }),
+            "(null)\nvalue\n");
+}
+
+TEST(GetConfigValue, GivesWhatTheFileSays) {
+  EXPECT_EQ(outputWith("DUMP_D /elsewhere\nSA_MAX_MAIL_SIZE 7\n",
+                       [] {
+                         print(getConfigValue(ConfigVariable::DUMP_D));
+                         print(getConfigValue(ConfigVariable::SA_MAX_MAIL_SIZE));
+                         print(getConfigValue(ConfigVariable::DUMP_TMP_D));
+                       }),
+            "/elsewhere\n7\n(null)\n");
+}
+
+TEST(GetConfigValue, RemembersAValueAndNoMiss) {
+  EXPECT_EQ(outputWith(nullptr,
+                       [] {
+                         print(getConfigValue(ConfigVariable::DUMP_D));
+                         writeFile(config, "DUMP_D /elsewhere\n");
+                         const char* value = getConfigValue(ConfigVariable::DUMP_D);
+                         print(value);
+                         print(value == getConfigValue(ConfigVariable::DUMP_D) ? "same" : "other");
+                       }),
+            "(null)\n/elsewhere\nsame\n");
+}
+
+TEST(GetConfigValue, EveryVariableHasItsOwnValue) {
+  std::string contents;
+  std::string values;
+  for (std::size_t i = 0; i < configVariables.size(); ++i) {
+    contents += std::string(configVariables.at(i).name) + " " + std::to_string(i) + "\n";
+    values += std::to_string(i) + "\n";
+  }
+  const auto printAll = [] {
+    for (std::size_t i = 0; i < configVariables.size(); ++i) {
+      print(getConfigValue(static_cast<ConfigVariable>(i)));
+    }
+  };
+  EXPECT_EQ(outputWith(contents.c_str(),
+                       [&] {
+                         printAll();
+                         printAll();
+                       }),
+            values + values);
+}
+
+TEST(GetConfigValueOrDefault, FallsBackToTheDefaultOfTheVariable) {
+  std::string defaults;
+  for (const ConfigVariableInfo& variable : configVariables) {
+    defaults += std::string(variable.defaultValue) + "\n";
+  }
+  const auto printAll = [] {
+    for (std::size_t i = 0; i < configVariables.size(); ++i) {
+      print(getConfigValueOrDefault(static_cast<ConfigVariable>(i)));
+    }
+  };
+  EXPECT_EQ(outputWith(definesNothing, printAll), defaults);
+  EXPECT_EQ(outputWith(nullptr, printAll), defaults);
+}
+
+TEST(GetConfigValueOrDefault, PrefersTheFile) {
+  EXPECT_EQ(outputWith("DUMP_D /elsewhere\n",
+                       [] { print(getConfigValueOrDefault(ConfigVariable::DUMP_D)); }),
+            "/elsewhere\n");
+}
+
+TEST(GetConfigValueByName, KnowsTheVariablesButTheUpperSentinel) {
+  std::string defaults;
+  for (const ConfigVariableInfo& variable : configVariables) {
+    if (&variable != &configVariables.back()) defaults += std::string(variable.defaultValue) + "\n";
+  }
+  EXPECT_EQ(outputWith(definesNothing,
+                       [] {
+                         for (const ConfigVariableInfo& variable : configVariables) {
+                           if (&variable == &configVariables.back()) continue;
+                           print(getConfigValueByName(variable.name));
+                         }
+                       }),
+            defaults);
+}
+
+TEST(GetConfigValueByName, PrefersTheFile) {
+  EXPECT_EQ(outputWith("DUMP_D /elsewhere\n_MIN_POSSIBLE_KEL_CONF_VAR_NAME lowest\n",
+                       [] {
+                         print(getConfigValueByName("DUMP_D"));
+                         print(getConfigValueByName("_MIN_POSSIBLE_KEL_CONF_VAR_NAME"));
+                       }),
+            "/elsewhere\nlowest\n");
+}
+
+TEST(GetConfigValueByName, LogsAnUnknownName) {
+  for (const std::string name : {"_MAX_POSSIBLE_KEL_CONF_VAR_NAME", "NAME", "", "dump_d"}) {
+    const std::string line = "variable '" + name +
+                             "' was found neither in /etc/kel/kel.conf, nor in compile-time "
+                             "defaults\n";
+    fs::create_directories(config.parent_path());
+    writeFile(config, name + " value\n");  // which does not make it known
+    EXPECT_EQ(runInChild([&] { print(getConfigValueByName(name.c_str())); }),
+              (Outcome{0, 0, line + "(null)\n", line}));
+    EXPECT_EQ(runInChild([&] {
+                const LogRecorder log;
+                getConfigValueByName(name.c_str());
+                const auto messages = LogRecorder::take();
+                std::exit(messages.size() == 1 && messages[0].priority == 3 ? 0 : 8);
+              }),
+              (Outcome{0, 0, "", ""}));
+  }
+}
+
+}  // namespace
+}  // namespace addrtool::testing

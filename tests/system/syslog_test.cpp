@@ -1,0 +1,113 @@
+// The log functions with the real syslog(3), which writes to the socket /dev/log.
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <array>
+#include <regex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "runtime/logging.h"
+#include "support/child_process.h"
+
+namespace addrtool::testing {
+namespace {
+
+// What a syslog daemon would get.
+class LogSocket {
+ public:
+  LogSocket() : fd_(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+    const sockaddr_un address{AF_UNIX, "/dev/log"};
+    unlink(&address.sun_path[0]);
+    if (bind(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+      throw std::runtime_error("cannot bind /dev/log");
+    }
+  }
+  ~LogSocket() { close(fd_); }
+  LogSocket(const LogSocket&) = delete;
+  LogSocket& operator=(const LogSocket&) = delete;
+  LogSocket(LogSocket&&) = delete;
+  LogSocket& operator=(LogSocket&&) = delete;
+
+  // The messages that came so far, without their time stamps.
+  std::vector<std::string> take() const {
+    const std::regex form("(<[0-9]+>)[A-Z][a-z]{2} [ 0-9]{2} [0-9:]{8} ([^]*?)\n?");
+    std::vector<std::string> messages;
+    std::array<char, 4096> buffer{};
+    for (ssize_t n = 0; (n = recv(fd_, buffer.data(), buffer.size(), MSG_DONTWAIT)) >= 0;) {
+      const std::string message(buffer.data(), static_cast<std::size_t>(n));
+      messages.push_back(std::regex_replace(message, form, "$1$2"));
+    }
+    return messages;
+  }
+
+ private:
+  int fd_;
+};
+
+__attribute__((format(printf, 2, 3))) void logThroughList(int priority, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  logMessageV(priority, format, arguments);
+  va_end(arguments);
+}
+
+std::string identAndPid(const std::string& ident) {
+  return ident + "[" + std::to_string(getpid()) + "]: ";
+}
+
+TEST(Syslog, GetsTheMessagesUpToTheLevelWithFacilityAndProcessId) {
+  const LogSocket socket;
+  initLogging(nullptr, LOG_WARNING, LOG_LOCAL1, 0, "panel");
+  logMessage(LOG_ERR, "text %d", 5);
+  logThroughList(LOG_WARNING, "%s", "list");
+  logMessage(LOG_NOTICE, "above the level");
+  logMessage(12, "with a facility of its own");
+  EXPECT_EQ(socket.take(),
+            (std::vector<std::string>{
+                "<139>" + identAndPid("panel") + "text 5", "<140>" + identAndPid("panel") + "list",
+                "<12>" + identAndPid("panel") + "with a facility of its own"}));
+}
+
+TEST(Syslog, IsOpenedAnewByEachInitialisation) {
+  const LogSocket first;
+  initLogging(nullptr, LOG_INFO, LOG_MAIL, LOG_NDELAY, "first");
+  logMessage(LOG_ERR, "one");
+  const LogSocket second;  // takes over the name; what is connected stays with the first
+  logMessage(LOG_ERR, "two");
+  initLogging(nullptr, LOG_INFO, LOG_DAEMON, LOG_NDELAY, "second");
+  logMessage(LOG_ERR, "three");
+  EXPECT_EQ(first.take(), (std::vector<std::string>{"<19>" + identAndPid("first") + "one",
+                                                    "<19>" + identAndPid("first") + "two"}));
+  EXPECT_EQ(second.take(), (std::vector<std::string>{"<27>" + identAndPid("second") + "three"}));
+}
+
+TEST(Syslog, TheOptionsArePassedOn) {
+  const LogSocket socket;
+  const Outcome outcome = runInChild([] {
+    initLogging(nullptr, LOG_INFO, LOG_MAIL, LOG_PERROR, "panel");
+    logMessage(LOG_ERR, "text");
+  });
+  EXPECT_TRUE(std::regex_match(outcome.err, std::regex("panel\\[[0-9]+\\]: text\n")))
+      << outcome.err;
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(socket.take().size(), 1U);
+}
+
+TEST(Syslog, GetsNothingFromTheConsoleSink) {
+  const LogSocket socket;
+  EXPECT_EQ(runInChild([] {
+              initLogging(nullptr, LOG_INFO, LOG_MAIL, 0, "panel");
+              initLogging("console", LOG_INFO, LOG_MAIL, 0, "panel");
+              logMessage(LOG_ERR, "text");
+            }),
+            (Outcome{0, 0, "text\n", "text\n"}));
+  EXPECT_TRUE(socket.take().empty());
+}
+
+}  // namespace
+}  // namespace addrtool::testing

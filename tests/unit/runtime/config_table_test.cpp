@@ -1,0 +1,297 @@
+#include "runtime/config_table.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/failing_allocator.h"
+#include "support/log_recorder.h"
+
+namespace addrtool::testing {
+namespace {
+
+constexpr const char* noMemory = "Unable to read configuration: Cannot allocate memory";
+
+using Table = std::unique_ptr<RuntimeConfiguration, void (*)(RuntimeConfiguration*)>;
+
+Table makeTable() {
+  return {static_cast<RuntimeConfiguration*>(std::calloc(1, sizeof(RuntimeConfiguration))),
+          freeConfig};
+}
+
+std::string nameOf(unsigned number) {
+  return "NAME_" + std::to_string(number);
+}
+
+void fill(const Table& table, unsigned count) {
+  for (unsigned i = table->count; i < count; ++i) {
+    ASSERT_EQ(setConfigEntry(table.get(), nameOf(i).c_str(), "value"), 0);
+  }
+}
+
+std::string textOf(const char* text) {
+  return text == nullptr ? "(null)" : text;
+}
+
+std::string find(const Table& table, const char* name) {
+  return textOf(findConfigEntry(table.get(), name));
+}
+
+std::vector<std::string> namesOf(const Table& table) {
+  std::vector<std::string> names;
+  for (std::uint32_t i = 0; i < table->count; ++i) names.emplace_back(table->entries[i].name);
+  return names;
+}
+
+bool isFreeBeyondCount(const Table& table) {
+  for (std::uint32_t i = table->count; i < table->capacity; ++i) {
+    if (table->entries[i].name != nullptr || table->entries[i].value != nullptr) return false;
+  }
+  return true;
+}
+
+TEST(GrowConfig, FirstUseTakesTwentySlots) {
+  const Table table = makeTable();
+  table->count = 5;
+  table->capacity = 7;
+  EXPECT_EQ(growConfig(table.get()), 0);
+  EXPECT_NE(table->entries, nullptr);
+  EXPECT_EQ(table->capacity, 20U);
+  EXPECT_EQ(table->count, 0U);
+  EXPECT_EQ(table->sorted, 1);
+  EXPECT_TRUE(isFreeBeyondCount(table));
+}
+
+TEST(GrowConfig, FirstUseWithoutMemoryFailsSilently) {
+  const LogRecorder log;
+  const Table table = makeTable();
+  table->capacity = 7;
+  const FailingAllocations failing(1);
+  errno = 0;
+  EXPECT_EQ(growConfig(table.get()), -1);
+  EXPECT_EQ(errno, ENOMEM);
+  EXPECT_EQ(table->entries, nullptr);
+  EXPECT_EQ(table->capacity, 0U);
+  EXPECT_TRUE(LogRecorder::take().empty());
+}
+
+TEST(GrowConfig, ATableWithAFreeSlotStays) {
+  const Table table = makeTable();
+  fill(table, 19);
+  const FailingAllocations failing(1);
+  EXPECT_EQ(growConfig(table.get()), 0);
+  EXPECT_EQ(table->capacity, 20U);
+  EXPECT_EQ(FailingAllocations::calls(), 0);
+}
+
+TEST(GrowConfig, AFullTableDoublesAndClearsTheNewSlots) {
+  const Table table = makeTable();
+  const std::vector<std::pair<unsigned, unsigned>> countsAndCapacities{
+      {1, 20}, {20, 20}, {21, 40}, {40, 40}, {41, 80}, {80, 80}, {81, 160}};
+  for (const auto& [count, capacity] : countsAndCapacities) {
+    fill(table, count);
+    EXPECT_EQ(table->count, count);
+    EXPECT_EQ(table->capacity, capacity) << "for " << count << " entries";
+    EXPECT_TRUE(isFreeBeyondCount(table)) << "for " << count << " entries";
+  }
+}
+
+TEST(GrowConfig, WithoutMemoryFailsAndSaysSo) {
+  const LogRecorder log;
+  const Table table = makeTable();
+  fill(table, 20);
+  const FailingAllocations failing(1);
+  errno = 0;
+  EXPECT_EQ(growConfig(table.get()), -1);
+  EXPECT_EQ(errno, ENOMEM);
+  EXPECT_EQ(LogRecorder::take(), (std::vector<LoggedMessage>{{12, noMemory}}));
+  EXPECT_EQ(table->capacity, 20U);
+  EXPECT_EQ(table->count, 20U);
+}
+
+TEST(GrowConfig, GivesUpBeyondTheLargestCapacityWithoutAskingForMemory) {
+  // Tables that only say they are this full; what memory is asked for is refused.
+  struct Row {
+    std::uint32_t full;
+    int allocations;
+  };
+  const std::vector<Row> rows{{0x0FFFFFFF, 1}, {0x10000000, 0}, {0x1FFFFFFE, 0},
+                              {0x7FFFFFFE, 0}, {0x7FFFFFFF, 0}, {0x80000000, 0},
+                              {0xFFFFFFEB, 0}, {0xFFFFFFEC, 0}, {0xFFFFFFFF, 0}};
+  const LogRecorder log;
+  for (const auto& [full, allocations] : rows) {
+    ConfigEntry slot{};
+    RuntimeConfiguration table{&slot, full, full, 0};
+    const FailingAllocations failing(1);
+    errno = 0;
+    EXPECT_EQ(growConfig(&table), -1);
+    EXPECT_EQ(errno, ENOMEM);
+    EXPECT_EQ(FailingAllocations::calls(), allocations) << "for " << full << " slots";
+    EXPECT_EQ(LogRecorder::take(), (std::vector<LoggedMessage>{{12, noMemory}}));
+  }
+}
+
+TEST(GrowConfig, WhereDoublingIsTooLittleTwentyMoreThanTheEntriesAreTaken) {
+  const Table table = makeTable();
+  fill(table, 5);
+  table->capacity = 2;
+  EXPECT_EQ(growConfig(table.get()), 0);
+  EXPECT_EQ(table->capacity, 25U);
+  EXPECT_TRUE(isFreeBeyondCount(table));
+}
+
+TEST(SetConfigEntry, StoresCopies) {
+  const Table table = makeTable();
+  std::string name = "NAME";
+  std::string value = "value";
+  EXPECT_EQ(setConfigEntry(table.get(), name.c_str(), value.c_str()), 0);
+  name[0] = value[0] = 'x';
+  EXPECT_EQ(find(table, "NAME"), "value");
+  EXPECT_EQ(find(table, "xAME"), "(null)");
+}
+
+TEST(SetConfigEntry, TheLastDefinitionOfANameWins) {
+  const Table table = makeTable();
+  for (const auto& [name, value] : std::vector<std::pair<const char*, const char*>>{
+           {"A", "1"}, {"B", "2"}, {"A", "3"}, {"B", ""}, {"A", "4"}}) {
+    EXPECT_EQ(setConfigEntry(table.get(), name, value), 0);
+  }
+  EXPECT_EQ(table->count, 2U);
+  EXPECT_EQ(find(table, "A"), "4");
+  EXPECT_EQ(find(table, "B"), "");
+}
+
+TEST(SetConfigEntry, NamesAreComparedWhole) {
+  const Table table = makeTable();
+  for (const char* const name : {"NAME", "NAM", "NAMES", "name"}) {
+    EXPECT_EQ(setConfigEntry(table.get(), name, name), 0);
+  }
+  EXPECT_EQ(table->count, 4U);
+  EXPECT_EQ(find(table, "NAM"), "NAM");
+}
+
+TEST(SetConfigEntry, OnlyANewNameEndsTheOrder) {
+  const Table table = makeTable();
+  EXPECT_EQ(setConfigEntry(table.get(), "A", "1"), 0);
+  EXPECT_EQ(table->sorted, 0);
+  sortConfig(table.get());
+  EXPECT_EQ(setConfigEntry(table.get(), "A", "2"), 0);
+  EXPECT_EQ(table->sorted, 1);
+  EXPECT_EQ(setConfigEntry(table.get(), "B", "3"), 0);
+  EXPECT_EQ(table->sorted, 0);
+}
+
+TEST(SetConfigEntry, AFullTableNeedsRoomEvenForAKnownName) {
+  const Table table = makeTable();
+  fill(table, 20);
+  EXPECT_EQ(setConfigEntry(table.get(), nameOf(3).c_str(), "new"), 0);
+  EXPECT_EQ(table->count, 20U);
+  EXPECT_EQ(table->capacity, 40U);
+}
+
+TEST(SetConfigEntry, WithoutMemoryForACopyFailsAndKeepsTheTable) {
+  const LogRecorder log;
+  const Table table = makeTable();
+  EXPECT_EQ(setConfigEntry(table.get(), "A", "1"), 0);
+  for (const char* const name : {"A", "B"}) {
+    for (const auto& [first, last] : std::vector<std::pair<int, int>>{{1, 1}, {2, 2}, {1, 2}}) {
+      const FailingAllocations failing(first, last);
+      errno = 0;
+      EXPECT_EQ(setConfigEntry(table.get(), name, "2"), -1);
+      EXPECT_EQ(errno, ENOMEM);
+      EXPECT_EQ(LogRecorder::take(),
+                (std::vector<LoggedMessage>{
+                    {12, "Unable to form configuration: Cannot allocate memory"}}));
+      EXPECT_EQ(namesOf(table), (std::vector<std::string>{"A"}));
+      EXPECT_EQ(find(table, "A"), "1");
+    }
+  }
+}
+
+TEST(SetConfigEntry, WithoutMemoryForASlotFails) {
+  const LogRecorder log;
+  const Table table = makeTable();
+  {
+    const FailingAllocations failing(1);
+    EXPECT_EQ(setConfigEntry(table.get(), "A", "1"), -1);
+  }
+  fill(table, 20);
+  const FailingAllocations failing(1);
+  EXPECT_EQ(setConfigEntry(table.get(), "A", "1"), -1);
+  EXPECT_EQ(LogRecorder::take(), (std::vector<LoggedMessage>{{12, noMemory}}));
+  EXPECT_EQ(table->count, 20U);
+}
+
+TEST(SortConfig, OrdersTheNamesByTheirBytes) {
+  const Table table = makeTable();
+  for (const char* const name : {"b", "B", "a_", "aB", "a", "9", "_", "\xe4", "a1"}) {
+    EXPECT_EQ(setConfigEntry(table.get(), name, name), 0);
+  }
+  sortConfig(table.get());
+  EXPECT_EQ(table->sorted, 1);
+  EXPECT_EQ(namesOf(table),
+            (std::vector<std::string>{"9", "B", "_", "a", "a1", "aB", "a_", "b", "\xe4"}));
+  EXPECT_EQ(find(table, "a1"), "a1");
+}
+
+TEST(SortConfig, LeavesATableAloneThatCallsItselfSorted) {
+  const Table table = makeTable();
+  EXPECT_EQ(setConfigEntry(table.get(), "B", "1"), 0);
+  EXPECT_EQ(setConfigEntry(table.get(), "A", "2"), 0);
+  table->sorted = 1;
+  sortConfig(table.get());
+  EXPECT_EQ(namesOf(table), (std::vector<std::string>{"B", "A"}));
+}
+
+TEST(SortConfig, AnEmptyTableIsSorted) {
+  const Table table = makeTable();
+  sortConfig(table.get());
+  EXPECT_EQ(table->sorted, 1);
+}
+
+TEST(FindConfigEntry, FindsEveryNameAndNoOther) {
+  for (const unsigned count : {0U, 1U, 2U, 3U, 25U, 41U}) {
+    const Table table = makeTable();
+    for (unsigned i = 0; i < count; ++i) {
+      EXPECT_EQ(setConfigEntry(table.get(), nameOf(i).c_str(), std::to_string(i).c_str()), 0);
+    }
+    for (const bool sorted : {false, true}) {
+      if (sorted) sortConfig(table.get());
+      for (unsigned i = 0; i < count; ++i) {
+        EXPECT_EQ(find(table, nameOf(i).c_str()), std::to_string(i)) << "of " << count;
+      }
+      for (const char* const name : {"", "NAME", "NAME_", "NAME_1x", "NAME_99", "A", "z"}) {
+        EXPECT_EQ(find(table, name), "(null)") << name << " of " << count;
+      }
+    }
+  }
+}
+
+TEST(FindConfigEntry, HalvesASortedTableAndWalksAnUnsortedOne) {
+  const Table table = makeTable();
+  for (const char* const name : {"C", "B", "A"}) {
+    EXPECT_EQ(setConfigEntry(table.get(), name, name), 0);
+  }
+  EXPECT_EQ(find(table, "C"), "C");
+  table->sorted = 1;  // a lie that only halving falls for
+  EXPECT_EQ(find(table, "C"), "(null)");
+}
+
+TEST(FreeConfig, TakesATableInAnyState) {
+  freeConfig(nullptr);
+  freeConfig(makeTable().release());  // never used
+
+  Table table = makeTable();
+  fill(table, 21);
+  table->count = 3;  // what is stored beyond the count is freed as well
+  freeConfig(table.release());
+}
+
+}  // namespace
+}  // namespace addrtool::testing

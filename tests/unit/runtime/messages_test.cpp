@@ -1,0 +1,296 @@
+#include "runtime/messages.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/child_process.h"
+#include "support/failing_allocator.h"
+
+namespace addrtool::testing {
+namespace {
+
+const std::string permissionSuffix = "\nSystem error 13: Permission denied";
+
+Outcome onBothStreams(const std::string& text, int status = 0) {
+  return {status, 0, text, text};
+}
+
+// What a child prints that reports the text while errno is `error`.
+Outcome reportWithErrno(int error, const std::string& text, int status = 0) {
+  return runInChild([&] {
+    errno = error;
+    reportMessage(status, 1, "%s", text.c_str());
+  });
+}
+
+// The same, with the allocations `first` to `last` failing.
+Outcome reportShortOfMemory(int error, const std::string& text, int first, int last) {
+  return runInChild([&] {
+    const FailingAllocations failing(first, last);
+    errno = error;
+    reportMessage(0, 1, "%s", text.c_str());
+  });
+}
+
+TEST(PrintMessage, EndsAMessageWithANewlineUnlessItBringsOne) {
+  const std::vector<std::pair<const char*, const char*>> table{
+      {"text", "text\n"}, {"text\n", "text\n"}, {"two\nlines", "two\nlines\n"},
+      {"a\n\n", "a\n\n"}, {"\n", "\n"},         {"%s %n", "%s %n\n"}};
+  for (const auto& [message, printed] : table) {
+    EXPECT_EQ(runInChild([text = message] { printMessage(text, 0, 1); }), onBothStreams(printed))
+        << "for \"" << message << '"';
+  }
+}
+
+TEST(PrintMessage, AnEmptyMessageIsALoneNewline) {
+  // A newline stands right before the empty text, where nobody may look for one.
+  const std::array<char, 2> text{'\n', '\0'};
+  EXPECT_EQ(runInChild([&] { printMessage(&text[1], 0, 1); }), onBothStreams("\n"));
+}
+
+TEST(PrintMessage, StatusZeroReturnsZero) {
+  EXPECT_EQ(runInChild([] { std::exit(printMessage("text", 0, 1) == 0 ? 7 : 8); }),
+            onBothStreams("text\n", 7));
+}
+
+TEST(PrintMessage, AnyOtherStatusEndsTheProcess) {
+  for (const int status : {1, 3, 255}) {
+    EXPECT_EQ(runInChild([&] {
+                printMessage("text", status, 1);
+                std::puts("went on");
+              }),
+              onBothStreams("text\n", status));
+  }
+}
+
+TEST(PrintMessage, TheFlagHasNoMeaning) {
+  for (const int flag : {0, 1, -1}) {
+    EXPECT_EQ(runInChild([&] { printMessage("text", 4, flag); }), onBothStreams("text\n", 4));
+  }
+}
+
+TEST(PrintMessage, BeginsWithTheLastComponentOfTheProgramName) {
+  const std::vector<std::pair<const char*, const char*>> table{
+      {"/usr/local/bin/addrtool", "addrtool: text\n"},
+      {"bin/addrtool", "addrtool: text\n"},
+      {"addrtool", "addrtool: text\n"},
+      {"/addrtool", "addrtool: text\n"},
+      {"bin/", "text\n"},
+      {"/", "text\n"},
+      {"", "text\n"}};
+  for (const auto& [name, printed] : table) {
+    EXPECT_EQ(runInChild([programName = name] {
+                messageProgramName = programName;
+                printMessage("text", 0, 1);
+              }),
+              onBothStreams(printed))
+        << "for \"" << name << '"';
+  }
+}
+
+TEST(PrintMessage, NoProgramNameIsSetAtStart) {
+  EXPECT_EQ(messageProgramName, nullptr);
+}
+
+TEST(PrintMessage, FlushesBothStreams) {
+  EXPECT_EQ(runInChild([] {
+              std::setvbuf(stderr, nullptr, _IOFBF, BUFSIZ);
+              printMessage("text", 0, 1);
+              _exit(0);
+            }),
+            onBothStreams("text\n"));
+}
+
+TEST(PrintMessage, StandardErrorComesFirst) {
+  const Outcome outcome = runInChild([] {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) _exit(1);
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[0]);
+    printMessage("text", 0, 1);
+  });
+  EXPECT_EQ(outcome, (Outcome{-1, SIGPIPE, "", "text\n"}));
+}
+
+TEST(ReportMessage, FormatsAndReturnsForStatusZero) {
+  EXPECT_EQ(runInChild([] {
+              errno = 0;
+              reportMessage(0, 1, "%s has %d of %5.2f%%", "eth0", 3, 1.5);
+              std::exit(9);
+            }),
+            onBothStreams("eth0 has 3 of  1.50%\n", 9));
+}
+
+TEST(ReportMessage, EndsTheProcessWithAnyOtherStatus) {
+  EXPECT_EQ(reportWithErrno(0, "text", 3), onBothStreams("text\n", 3));
+  EXPECT_EQ(reportWithErrno(13, "text", 3), onBothStreams("text" + permissionSuffix + "\n", 3));
+}
+
+TEST(ReportMessage, AddsTheSystemErrorWhileErrnoIsSet) {
+  const std::vector<std::pair<int, std::string>> table{
+      {0, "text\n"},
+      {2, "text\nSystem error 2: No such file or directory\n"},
+      {13, "text\nSystem error 13: Permission denied\n"},
+      {9999, "text\nSystem error 9999: Unknown error 9999\n"}};
+  for (const auto& [error, printed] : table) {
+    EXPECT_EQ(reportWithErrno(error, "text"), onBothStreams(printed)) << "for errno " << error;
+  }
+}
+
+TEST(ReportMessage, TheSystemErrorStandsOnALineOfItsOwn) {
+  EXPECT_EQ(reportWithErrno(13, "text\n"), onBothStreams("text\n" + permissionSuffix + "\n"));
+  EXPECT_EQ(reportWithErrno(13, ""), onBothStreams(permissionSuffix + "\n"));
+}
+
+TEST(ReportMessage, LeavesErrnoAsItWas) {
+  EXPECT_EQ(runInChild([] {
+              errno = 13;
+              reportMessage(0, 1, "text");
+              std::exit(errno);
+            }),
+            onBothStreams("text" + permissionSuffix + "\n", 13));
+}
+
+TEST(ReportMessage, TextsOfAnyLengthArePrintedWhole) {
+  for (const std::size_t length : {0U, 1U, 4094U, 4095U, 4096U, 4097U, 5000U, 1000000U}) {
+    const std::string text(length, 'x');
+    EXPECT_EQ(reportWithErrno(0, text), onBothStreams(text + "\n")) << "for length " << length;
+  }
+}
+
+TEST(ReportMessage, OnlyASystemErrorThatFitsTheBufferIsPrinted) {
+  const std::size_t last = 4095 - permissionSuffix.size();
+  for (const std::size_t length : {last - 1, last}) {
+    const std::string text(length, 'x');
+    EXPECT_EQ(reportWithErrno(13, text), onBothStreams(text + permissionSuffix + "\n"))
+        << "for length " << length;
+  }
+  for (const std::size_t length :
+       {last + 1, last + 2, std::size_t{4094}, std::size_t{4095}, std::size_t{4096},
+        std::size_t{4097}, std::size_t{5000}, std::size_t{100000}}) {
+    const std::string text(length, 'x');
+    EXPECT_EQ(reportWithErrno(13, text), onBothStreams(text + "\n")) << "for length " << length;
+  }
+}
+
+TEST(ReportMessage, ALongTextIsCutWhereTheBufferCannotGrow) {
+  const std::string kept(4095, 'x');
+  for (const std::size_t length : {4096U, 4097U, 5000U}) {
+    const std::string text(length, 'x');
+    EXPECT_EQ(reportShortOfMemory(0, text, 2, 2), onBothStreams(kept + "\n"));
+    EXPECT_EQ(reportShortOfMemory(13, text, 2, 2), onBothStreams(kept + "\n"));
+    EXPECT_EQ(reportShortOfMemory(13, text, 2, 3), onBothStreams(kept + "\n"));
+  }
+}
+
+TEST(ReportMessage, TheSystemErrorIsCutWhereTheBufferCannotGrow) {
+  for (const std::size_t length : {4070U, 4090U, 4094U, 4095U}) {
+    const std::string text(length, 'x');
+    EXPECT_EQ(reportShortOfMemory(13, text, 2, 2),
+              onBothStreams(text + permissionSuffix.substr(0, 4095 - length) +
+                            (length == 4094 ? "" : "\n")))  // cut behind its own line break
+        << "for length " << length;
+  }
+  const std::string text(4096, 'x');
+  EXPECT_EQ(reportShortOfMemory(13, text, 3, 3), onBothStreams(text + "\n"));
+}
+
+TEST(ReportMessage, NoMemoryAtAllGivesAFixedText) {
+  const std::string fixed = "Can't allocate memory for error message\n";
+  for (const auto& [status, end] : {std::pair(0, 9), std::pair(5, 5)}) {
+    EXPECT_EQ(runInChild([asked = status] {
+                const FailingAllocations failing(1);
+                errno = 13;
+                reportMessage(asked, 1, "text");
+                std::exit(9);
+              }),
+              onBothStreams(fixed, end));
+  }
+}
+
+TEST(ReportMessage, FormattingHasNoInfluenceOnErrno) {
+  // The C locale has no form for this character: formatting fails and sets errno to EILSEQ.
+  const auto reportUnprintable = [](int error) {
+    return runInChild([&] {
+      errno = error;
+      reportMessage(0, 1, "text %ls", L"\x4e00");
+      std::exit(errno);
+    });
+  };
+  EXPECT_EQ(reportUnprintable(0), onBothStreams("\n"));
+  EXPECT_EQ(reportUnprintable(13), onBothStreams(permissionSuffix + "\n", 13));
+}
+
+TEST(CheckLeftoverArguments, NothingLeftGoesOn) {
+  EXPECT_EQ(runInChild([] {
+              checkLeftoverArguments(2, 2, nullptr);
+              std::exit(9);
+            }),
+            (Outcome{9, 0, "", ""}));
+}
+
+TEST(CheckLeftoverArguments, AnyOperandLeftEndsTheProgram) {
+  const std::string text =
+      "Some parameters in command string are left unprocessed. Check parameters please.";
+  for (const int argc : {3, 4, 1}) {
+    EXPECT_EQ(runInChild([&] {
+                errno = 0;
+                checkLeftoverArguments(argc, 2, nullptr);
+              }),
+              onBothStreams(text + "\n", 1));
+  }
+  EXPECT_EQ(runInChild([] {
+              errno = 2;
+              checkLeftoverArguments(3, 2, nullptr);
+            }),
+            onBothStreams(text + "\nSystem error 2: No such file or directory\n", 1));
+}
+
+TEST(CheckRequiredParameter, APresentOneWithoutAValueEndsTheProgram) {
+  for (const char* const value : {static_cast<const char*>(nullptr), ""}) {
+    EXPECT_EQ(runInChild([&] {
+                errno = 0;
+                checkRequiredParameter(1, value, "--add");
+              }),
+              onBothStreams("Missing parameter '--add' or previous parameter is empty.\n", 1));
+  }
+}
+
+TEST(CheckRequiredParameter, AValueOrAnAbsentParameterGoesOn) {
+  EXPECT_EQ(runInChild([] {
+              checkRequiredParameter(1, "eth0", "--add");
+              checkRequiredParameter(0, "", "--add");
+              checkRequiredParameter(0, nullptr, "--add");
+              std::exit(9);
+            }),
+            (Outcome{9, 0, "", ""}));
+}
+
+TEST(ReallocOrDie, GivesMemoryThatKeepsItsContents) {
+  auto* text = static_cast<char*>(reallocOrDie(nullptr, 4));
+  text[0] = 'a';
+  text = static_cast<char*>(reallocOrDie(text, 100000));
+  EXPECT_EQ(text[0], 'a');
+  text[99999] = 'b';
+  std::free(text);
+}
+
+TEST(ReallocOrDie, ReportsTheSizeAndEnds) {
+  EXPECT_EQ(runInChild([] {
+              const FailingAllocations failing(1);
+              reallocOrDie(nullptr, 640);
+            }),
+            onBothStreams("alloc(640)\nSystem error 12: Cannot allocate memory\n", 1));
+}
+
+}  // namespace
+}  // namespace addrtool::testing
