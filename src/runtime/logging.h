@@ -7,6 +7,9 @@
 
 namespace addrtool {
 
+// The settings are meant to be written by whoever uses the library.
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
+
 /// Where the console sink prints: null or "console" for both streams, "stderr" for that alone (in
 /// any case of letters), anything else for neither. Null given to initLogging means syslog.
 extern const char* logTarget;
@@ -26,6 +29,8 @@ extern
     __attribute__((format(printf, 2, 3))) void (*logMessage)(int priority, const char* format, ...);
 extern __attribute__((format(printf, 2, 0))) void (*logMessageV)(int priority, const char* format,
                                                                  va_list arguments);
+
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 /// The console sink: the text and a newline, flushed, on the streams of logTarget.
 __attribute__((format(printf, 2, 3))) void consoleLog(int priority, const char* format, ...);

@@ -9,7 +9,7 @@
 namespace addrtool {
 
 /// Null, or a program path: its last component and ": " then begin every message.
-extern const char* messageProgramName;
+extern const char* messageProgramName;  // NOLINT(*-avoid-non-const-global-variables): a setting
 
 /// Formats the text and prints it with printMessage. When errno is not 0, "\nSystem error %d: %s"
 /// with the number and its text follows; a suffix that no longer fits the buffer is dropped whole.
