@@ -9,7 +9,7 @@ namespace addrtool {
 
 void runIfconfig(const std::string& arguments) {
   const std::string commandLine = "/sbin/ifconfig " + arguments;
-  // -1, when there was no child, reads as an exit with status 255.
+  // -1, a failure of system(3) itself, reads as an exit with status 255.
   const int status = std::system(commandLine.c_str());
   if (WIFSIGNALED(status)) {
     throw std::runtime_error(commandLine + " killed with signal " +
