@@ -18,7 +18,7 @@ namespace addrtool {
 namespace {
 
 constexpr std::string_view primaryKey = "IPV6ADDR=";
-constexpr std::string_view listStem = "IPV6ADDR_SECONDARIES";
+constexpr std::string_view listStem = "IPV6ADDR_SECONDARIES";  // an addition asks for no more
 constexpr std::string_view listKey = "IPV6ADDR_SECONDARIES=";
 constexpr const char* listStart = "IPV6ADDR_SECONDARIES=\"";
 constexpr const char* listEnd = "\"\n";

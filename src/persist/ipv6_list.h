@@ -1,6 +1,6 @@
 // The IPv6 addresses of an interface, as its configuration file holds them: IPV6ADDR, the first
 // one, and IPV6ADDR_SECONDARIES, a list of the others separated by blanks. An edit touches the
-// lines of these two keys and copies all others byte for byte.
+// lines of these keys and copies all others byte for byte.
 //
 // The readers of these files are shells, but the lists are not read as a shell reads them: the
 // closing quote of a list stays part of its last entry, whose prefix length is then read as 0.
@@ -24,8 +24,10 @@ void parseIPv6List(const std::string& line, std::vector<AddressRecord>& entries)
 std::string formatIPv6Entry(const AddressRecord& entry);
 
 /// Puts the address in front of the list in the file of the interface that the label names.
-/// IPV6ADDR is not looked at, nor whether the address is listed already. A missing file stays
-/// missing without a word; a list that cannot be parsed is reported and the file stays as it was.
+/// IPV6ADDR is not looked at, nor whether the address is listed already. Any key that begins with
+/// IPV6ADDR_SECONDARIES is taken for the list, and a second list repeats what the first became. A
+/// missing file stays missing without a word; a list that cannot be parsed is reported and the file
+/// stays as it was.
 void addIPv6ToInterfaceFile(LabelledAddress added);
 
 /// Takes the address, in whatever form it is written, out of the file of the interface that the
