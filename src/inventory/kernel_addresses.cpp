@@ -28,7 +28,8 @@ struct AddressRequest {
 static_assert(sizeof(AddressRequest) == 24);
 
 std::runtime_error systemFailure(const char* what) {
-  return std::runtime_error(std::string(what) + std::strerror(errno));
+  const char* error = std::strerror(errno);  // before an allocation can change errno
+  return std::runtime_error(std::string(what) + error);
 }
 
 [[noreturn]] void closeAndRaise(int socketFd, const std::runtime_error& failure) {
