@@ -1,5 +1,5 @@
 // What the panel reads back: the inventory as text on standard output, a line at a time, each
-// flushed with one write of its own.
+// with one write of its own, past the buffer of stdout: what is still in that comes out later.
 #pragma once
 
 #include <string>
