@@ -11,22 +11,25 @@
 namespace addrtool::testing {
 namespace {
 
-std::optional<std::pair<Call, int>> failing;
+std::optional<std::pair<Call, int>>& failing() {
+  static std::optional<std::pair<Call, int>> call;
+  return call;
+}
 
 bool fails(Call call) {
-  if (!failing || failing->first != call) return false;
-  errno = failing->second;
+  if (!failing() || failing()->first != call) return false;
+  errno = failing()->second;
   return true;
 }
 
 }  // namespace
 
 FailingCall::FailingCall(Call call, int error) {
-  failing = {call, error};
+  failing() = {call, error};
 }
 
 FailingCall::~FailingCall() {
-  failing.reset();
+  failing().reset();
 }
 
 }  // namespace addrtool::testing

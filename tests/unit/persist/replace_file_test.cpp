@@ -65,60 +65,59 @@ void makeSocket(const fs::path& path) {
   ASSERT_EQ(mknod(path.c_str(), S_IFSOCK | 0600U, 0), 0);
 }
 
-class ReplaceFile : public ::testing::Test {
- protected:
-  testing::TemporaryDirectory directory_;
-  fs::path target_ = directory_ / "target";
-  Script script_;
+struct ReplaceFile : ::testing::Test {
+  testing::TemporaryDirectory directory;
+  fs::path target = directory / "target";
+  Script script;
 
   // The one file beside the target, whose name must be that of its temporary file.
   fs::path leftover() {
-    Names names = listDirectory(directory_.path());
+    Names names = listDirectory(directory.path());
     std::erase(names, "target");
     EXPECT_EQ(names.size(), 1U) << ::testing::PrintToString(names);
     if (names.size() != 1) return {};
     EXPECT_TRUE(names.front().starts_with("target."));
     EXPECT_EQ(names.front().size(), std::strlen("target.XXXXXX"));
-    return directory_ / names.front();
+    return directory / names.front();
   }
 };
 
 TEST_F(ReplaceFile, TheWriterTurnsTheOldContentIntoTheNew) {
-  writeFile(target_, "old\n");
-  EXPECT_EQ(replace(target_, script_, 1), 0);
-  EXPECT_EQ(script_.calls, 1);
-  EXPECT_EQ(script_.oldText, "old\n");
-  EXPECT_EQ(readFile(target_), "new\n");
-  EXPECT_EQ(listDirectory(directory_.path()), Names{"target"});
+  writeFile(target, "old\n");
+  EXPECT_EQ(replace(target, script, 1), 0);
+  EXPECT_EQ(script.calls, 1);
+  EXPECT_EQ(script.oldText, "old\n");
+  EXPECT_EQ(readFile(target), "new\n");
+  EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
 }
 
 TEST_F(ReplaceFile, AnExistingTargetNeedNotExist) {
-  writeFile(target_, "old\n");
-  EXPECT_EQ(replace(target_, script_, 0), 0);
-  EXPECT_EQ(script_.oldText, "old\n");
-  EXPECT_EQ(readFile(target_), "new\n");
+  writeFile(target, "old\n");
+  EXPECT_EQ(replace(target, script, 0), 0);
+  EXPECT_EQ(script.oldText, "old\n");
+  EXPECT_EQ(readFile(target), "new\n");
 }
 
 TEST_F(ReplaceFile, AMissingTargetIsMadeFromNothing) {
-  EXPECT_EQ(replace(target_, script_, 0), 0);
-  EXPECT_EQ(script_.calls, 1);
-  EXPECT_FALSE(script_.hadOldFile);
-  EXPECT_EQ(readFile(target_), "new\n");
-  EXPECT_EQ(listDirectory(directory_.path()), Names{"target"});
+  EXPECT_EQ(replace(target, script, 0), 0);
+  EXPECT_EQ(script.calls, 1);
+  EXPECT_FALSE(script.hadOldFile);
+  EXPECT_EQ(readFile(target), "new\n");
+  EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
 }
 
 TEST_F(ReplaceFile, AMadeFileIsReadableByAllWhateverTheUmask) {
   const mode_t before = umask(077);
-  EXPECT_EQ(replace(target_, script_, 0), 0);
+  EXPECT_EQ(replace(target, script, 0), 0);
   umask(before);
-  EXPECT_EQ(modeOf(target_), 0644U);
+  EXPECT_EQ(modeOf(target), 0644U);
 }
 
 TEST_F(ReplaceFile, AMissingTargetThatMustExistIsNotMade) {
-  EXPECT_EQ(replace(target_, script_, 1), -1);
+  EXPECT_EQ(replace(target, script, 1), -1);
   EXPECT_EQ(errno, ENOENT);
-  EXPECT_EQ(script_.calls, 0);
-  EXPECT_EQ(listDirectory(directory_.path()), Names{});
+  EXPECT_EQ(script.calls, 0);
+  EXPECT_EQ(listDirectory(directory.path()), Names{});
 }
 
 TEST_F(ReplaceFile, ReadersSeeTheOldContentUntilTheWriterIsDone) {
@@ -126,8 +125,8 @@ TEST_F(ReplaceFile, ReadersSeeTheOldContentUntilTheWriterIsDone) {
     fs::path target;
     std::string seen;
     Names names;
-  } look{target_, "", {}};
-  writeFile(target_, "old\n");
+  } look{target, "", {}};
+  writeFile(target, "old\n");
   const auto writer = [](std::FILE*, std::FILE* newFile, void* context) {
     auto& looking = *static_cast<Look*>(context);
     std::fputs("new\n", newFile);
@@ -136,7 +135,7 @@ TEST_F(ReplaceFile, ReadersSeeTheOldContentUntilTheWriterIsDone) {
     looking.names = listDirectory(looking.target.parent_path());
     return 0;
   };
-  EXPECT_EQ(replaceFile(target_.c_str(), writer, &look, 1), 0);
+  EXPECT_EQ(replaceFile(target.c_str(), writer, &look, 1), 0);
   EXPECT_EQ(look.seen, "old\n");
   ASSERT_EQ(look.names.size(), 2U);
   EXPECT_EQ(look.names[0], "target");
@@ -145,7 +144,7 @@ TEST_F(ReplaceFile, ReadersSeeTheOldContentUntilTheWriterIsDone) {
 }
 
 TEST_F(ReplaceFile, TheLastOfTwoReplacementsWins) {
-  writeFile(target_, "old\n");
+  writeFile(target, "old\n");
   const auto writer = [](std::FILE*, std::FILE* newFile, void* context) {
     Script other;
     other.text = "other\n";
@@ -153,94 +152,94 @@ TEST_F(ReplaceFile, TheLastOfTwoReplacementsWins) {
     std::fputs("last\n", newFile);
     return 0;
   };
-  EXPECT_EQ(replaceFile(target_.c_str(), writer, &target_, 1), 0);
-  EXPECT_EQ(readFile(target_), "last\n");
-  EXPECT_EQ(listDirectory(directory_.path()), Names{"target"});
+  EXPECT_EQ(replaceFile(target.c_str(), writer, &target, 1), 0);
+  EXPECT_EQ(readFile(target), "last\n");
+  EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
 }
 
 TEST_F(ReplaceFile, TheModeIsKeptWithSetIdAndStickyBits) {
   // The change of owner takes set-id bits away, so these show that the mode is set after it.
   for (const mode_t mode : {0600U, 0644U, 0000U, 0777U, 04755U, 02755U, 06711U, 01644U, 07777U}) {
-    writeFile(target_, "old\n");
-    ASSERT_EQ(chmod(target_.c_str(), mode), 0);
-    EXPECT_EQ(replace(target_, script_, 0), 0);
-    EXPECT_EQ(modeOf(target_), mode);
-    ASSERT_EQ(chmod(target_.c_str(), 0600), 0);
-    EXPECT_EQ(readFile(target_), "new\n");
+    writeFile(target, "old\n");
+    ASSERT_EQ(chmod(target.c_str(), mode), 0);
+    EXPECT_EQ(replace(target, script, 0), 0);
+    EXPECT_EQ(modeOf(target), mode);
+    ASSERT_EQ(chmod(target.c_str(), 0600), 0);
+    EXPECT_EQ(readFile(target), "new\n");
   }
 }
 
 TEST_F(ReplaceFile, AWritersFailureIsTheResultAndLeavesNoTrace) {
   for (const int failure : {5, 1, -1, -7}) {
-    writeFile(target_, "old\n");
-    script_.result = failure;
-    EXPECT_EQ(replace(target_, script_, 1), failure);
-    EXPECT_EQ(readFile(target_), "old\n");
-    EXPECT_EQ(listDirectory(directory_.path()), Names{"target"});
+    writeFile(target, "old\n");
+    script.result = failure;
+    EXPECT_EQ(replace(target, script, 1), failure);
+    EXPECT_EQ(readFile(target), "old\n");
+    EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
   }
 }
 
 TEST_F(ReplaceFile, AWritersFailureMakesNoTarget) {
-  script_.result = 5;
-  EXPECT_EQ(replace(target_, script_, 0), 5);
-  EXPECT_EQ(script_.calls, 1);
-  EXPECT_EQ(listDirectory(directory_.path()), Names{});
+  script.result = 5;
+  EXPECT_EQ(replace(target, script, 0), 5);
+  EXPECT_EQ(script.calls, 1);
+  EXPECT_EQ(listDirectory(directory.path()), Names{});
 }
 
 TEST_F(ReplaceFile, AMissingDirectoryFailsWithTheSystemsError) {
-  EXPECT_EQ(replace(directory_ / "missing" / "target", script_, 0), -1);
+  EXPECT_EQ(replace(directory / "missing" / "target", script, 0), -1);
   EXPECT_EQ(errno, ENOENT);
-  EXPECT_EQ(script_.calls, 0);
+  EXPECT_EQ(script.calls, 0);
 
-  writeFile(target_, "old\n");
-  EXPECT_EQ(replace(target_ / "below", script_, 0), -1);
+  writeFile(target, "old\n");
+  EXPECT_EQ(replace(target / "below", script, 0), -1);
   EXPECT_EQ(errno, ENOTDIR);
-  EXPECT_EQ(script_.calls, 0);
+  EXPECT_EQ(script.calls, 0);
 }
 
 TEST_F(ReplaceFile, ATargetThatCannotBeReadIsWrittenFromNothingWithItsMode) {
-  makeSocket(target_);
-  ASSERT_EQ(chmod(target_.c_str(), 0640), 0);
-  EXPECT_EQ(replace(target_, script_, 0), 0);
-  EXPECT_EQ(script_.calls, 1);
-  EXPECT_FALSE(script_.hadOldFile);
-  EXPECT_EQ(readFile(target_), "new\n");
-  EXPECT_EQ(modeOf(target_), 0640U);
-  EXPECT_EQ(listDirectory(directory_.path()), Names{"target"});
+  makeSocket(target);
+  ASSERT_EQ(chmod(target.c_str(), 0640), 0);
+  EXPECT_EQ(replace(target, script, 0), 0);
+  EXPECT_EQ(script.calls, 1);
+  EXPECT_FALSE(script.hadOldFile);
+  EXPECT_EQ(readFile(target), "new\n");
+  EXPECT_EQ(modeOf(target), 0640U);
+  EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
 }
 
 TEST_F(ReplaceFile, ATargetThatMustExistAndCannotBeReadLeavesTheTemporaryFile) {
-  makeSocket(target_);
-  EXPECT_EQ(replace(target_, script_, 1), -1);
+  makeSocket(target);
+  EXPECT_EQ(replace(target, script, 1), -1);
   EXPECT_EQ(errno, ENXIO);
-  EXPECT_EQ(script_.calls, 0);
-  EXPECT_TRUE(fs::is_socket(target_));
+  EXPECT_EQ(script.calls, 0);
+  EXPECT_TRUE(fs::is_socket(target));
   EXPECT_EQ(readFile(leftover()), "");
 }
 
 TEST_F(ReplaceFile, ADirectoryInItsPlaceFailsAtTheRenameAndLeavesTheTemporaryFile) {
-  fs::create_directory(target_);
-  EXPECT_EQ(replace(target_, script_, 0), -1);
+  fs::create_directory(target);
+  EXPECT_EQ(replace(target, script, 0), -1);
   EXPECT_EQ(errno, EISDIR);
-  EXPECT_EQ(script_.calls, 1);
-  EXPECT_TRUE(script_.hadOldFile);  // a directory opens, and fails only when it is read
-  EXPECT_EQ(script_.oldText, "");
-  EXPECT_TRUE(fs::is_directory(target_));
+  EXPECT_EQ(script.calls, 1);
+  EXPECT_TRUE(script.hadOldFile);  // a directory opens, and fails only when it is read
+  EXPECT_EQ(script.oldText, "");
+  EXPECT_TRUE(fs::is_directory(target));
   EXPECT_EQ(readFile(leftover()), "new\n");
-  EXPECT_EQ(modeOf(leftover()), modeOf(target_));
+  EXPECT_EQ(modeOf(leftover()), modeOf(target));
 }
 
 TEST_F(ReplaceFile, ADescriptorThatBecomesNoStreamStaysOpenWithItsFile) {
-  writeFile(target_, "old\n");
+  writeFile(target, "old\n");
   const int nextDescriptor = dup(STDIN_FILENO);
   close(nextDescriptor);
   {
     const FailingCall failing(Call::Fdopen, ENOMEM);
-    EXPECT_EQ(replace(target_, script_, 0), -1);
+    EXPECT_EQ(replace(target, script, 0), -1);
     EXPECT_EQ(errno, ENOMEM);
   }
-  EXPECT_EQ(script_.calls, 0);
-  EXPECT_EQ(readFile(target_), "old\n");
+  EXPECT_EQ(script.calls, 0);
+  EXPECT_EQ(readFile(target), "old\n");
   const fs::path file = leftover();
   EXPECT_EQ(readFile(file), "");
   struct stat byName {};
@@ -253,45 +252,45 @@ TEST_F(ReplaceFile, ADescriptorThatBecomesNoStreamStaysOpenWithItsFile) {
 
 TEST_F(ReplaceFile, AFailedChangeOfOwnerOrModeDoesNotMatter) {
   for (const Call call : {Call::Chown, Call::Chmod}) {
-    writeFile(target_, "old\n");
+    writeFile(target, "old\n");
     const FailingCall failing(call, EPERM);
-    EXPECT_EQ(replace(target_, script_, 1), 0);
-    EXPECT_EQ(readFile(target_), "new\n");
-    EXPECT_EQ(listDirectory(directory_.path()), Names{"target"});
+    EXPECT_EQ(replace(target, script, 1), 0);
+    EXPECT_EQ(readFile(target), "new\n");
+    EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
   }
 }
 
 TEST_F(ReplaceFile, AFailedChangeOfOwnerStillSetsTheMode) {
-  writeFile(target_, "old\n");
-  ASSERT_EQ(chmod(target_.c_str(), 0751), 0);
+  writeFile(target, "old\n");
+  ASSERT_EQ(chmod(target.c_str(), 0751), 0);
   const FailingCall failing(Call::Chown, EPERM);
-  EXPECT_EQ(replace(target_, script_, 1), 0);
-  EXPECT_EQ(modeOf(target_), 0751U);
+  EXPECT_EQ(replace(target, script, 1), 0);
+  EXPECT_EQ(modeOf(target), 0751U);
 }
 
 TEST_F(ReplaceFile, AWriteErrorThatShowsAtCloseIsNotNoticed) {
-  writeFile(target_, "old\n");
+  writeFile(target, "old\n");
   const testing::Outcome outcome = testing::runInChild([this] {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit nothing{0, 0};
     setrlimit(RLIMIT_FSIZE, &nothing);
-    std::_Exit(replace(target_, script_, 1) == 0 ? 0 : 1);
+    std::_Exit(replace(target, script, 1) == 0 ? 0 : 1);
   });
   EXPECT_EQ(outcome, (testing::Outcome{0, 0, "", ""}));
-  EXPECT_EQ(readFile(target_), "");
-  EXPECT_EQ(listDirectory(directory_.path()), Names{"target"});
+  EXPECT_EQ(readFile(target), "");
+  EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
 }
 
 TEST_F(ReplaceFile, NoDescriptorStaysOpen) {
   const auto openDescriptors = [] { return listDirectory("/proc/self/fd").size(); };
   const std::size_t before = openDescriptors();
-  EXPECT_EQ(replace(target_, script_, 0), 0);
-  EXPECT_EQ(replace(target_, script_, 1), 0);
-  script_.result = 5;
-  EXPECT_EQ(replace(target_, script_, 1), 5);
-  fs::remove(target_);
-  makeSocket(target_);
-  EXPECT_EQ(replace(target_, script_, 1), -1);
+  EXPECT_EQ(replace(target, script, 0), 0);
+  EXPECT_EQ(replace(target, script, 1), 0);
+  script.result = 5;
+  EXPECT_EQ(replace(target, script, 1), 5);
+  fs::remove(target);
+  makeSocket(target);
+  EXPECT_EQ(replace(target, script, 1), -1);
   EXPECT_EQ(openDescriptors(), before);
 }
 
@@ -306,31 +305,31 @@ std::string makeLongPath(const fs::path& base, std::size_t length) {
 }
 
 TEST_F(ReplaceFile, APathOf4088BytesIsTaken) {
-  const std::string path = makeLongPath(directory_.path(), 4088);
+  const std::string path = makeLongPath(directory.path(), 4088);
   ASSERT_EQ(path.size(), 4088U);
-  EXPECT_EQ(replace(path, script_, 0), 0);
+  EXPECT_EQ(replace(path, script, 0), 0);
   EXPECT_EQ(readFile(path), "new\n");
 }
 
 TEST_F(ReplaceFile, APathOf4089BytesIsRefusedBeforeAnyFileIsMade) {
-  const std::string path = makeLongPath(directory_.path(), 4089);
+  const std::string path = makeLongPath(directory.path(), 4089);
   ASSERT_EQ(path.size(), 4089U);
-  EXPECT_EQ(replace(path, script_, 0), -1);
+  EXPECT_EQ(replace(path, script, 0), -1);
   EXPECT_EQ(errno, ENAMETOOLONG);
   EXPECT_EQ(listDirectory(fs::path(path).parent_path()), Names{});
 
   writeFile(path, "old\n");
   for (const int mustExist : {0, 1}) {
-    EXPECT_EQ(replace(path, script_, mustExist), -1);
+    EXPECT_EQ(replace(path, script, mustExist), -1);
     EXPECT_EQ(errno, ENAMETOOLONG);
     EXPECT_EQ(readFile(path), "old\n");
     EXPECT_EQ(listDirectory(fs::path(path).parent_path()).size(), 1U);
   }
-  EXPECT_EQ(script_.calls, 0);
+  EXPECT_EQ(script.calls, 0);
 }
 
 TEST_F(ReplaceFile, AMissingTargetThatMustExistComesBeforeTheLengthOfItsPath) {
-  EXPECT_EQ(replace(makeLongPath(directory_.path(), 4089), script_, 1), -1);
+  EXPECT_EQ(replace(makeLongPath(directory.path(), 4089), script, 1), -1);
   EXPECT_EQ(errno, ENOENT);
 }
 
