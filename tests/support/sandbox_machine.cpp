@@ -1,0 +1,151 @@
+#include "support/sandbox_machine.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
+
+#include "support/addresses.h"
+#include "support/files.h"
+#include "support/system_calls.h"
+
+namespace addrtool::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The sandbox's own /etc: it goes away with it.
+constexpr const char* recorder = "/etc/recording-ifconfig";
+constexpr const char* recording = "/etc/recorded-commands";
+
+// A line of `ip -o address`: 3: eth0    inet 192.0.2.10/24 ... scope global eth0:1\    ...
+// The label, which IPv6 addresses do not have, stands before the backslash.
+std::string labelAndAddress(const std::string& line) {
+  std::istringstream words(line.substr(0, line.find('\\')));
+  std::string number;
+  std::string label;
+  std::string family;
+  std::string address;
+  words >> number >> label >> family >> address;
+  if (family == "inet") {
+    for (std::string word; words >> word;) label = word;
+  }
+  return label + ' ' + address;
+}
+
+Lines addrtoolCommand(const Lines& arguments) {
+  Lines command{"addrtool"};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return command;
+}
+
+NetworkFile readNetworkFile(const fs::path& path) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0) throw std::runtime_error(path.string() + ": no status");
+  return {S_ISREG(status.st_mode) ? readFile(path) : "", status.st_mode, status.st_uid,
+          status.st_gid};
+}
+
+}  // namespace
+
+void SandboxMachine::SetUp() {
+  ASSERT_TRUE(fs::exists("/proc/.sandbox")) << "this runs only in scripts/sandbox";
+}
+
+fs::path interfaceFile(const std::string& label) {
+  return networkScripts / ("ifcfg-" + label);
+}
+
+void prepare(const std::string& script) {
+  const Outcome outcome = runShell("set -e\n" + script);
+  if (outcome.exitStatus != 0) throw std::runtime_error(script + ": " + outcome.err);
+}
+
+void addAlias(const std::string& label, const std::string& addressAndLength) {
+  const std::string interface = label.substr(0, label.find(':'));
+  ip("address add " + addressAndLength + " dev " + interface + " label " + label);
+}
+
+void addInterface(const std::string& name, const Lines& addresses) {
+  ip("link add " + name + " type veth peer name peer-" + name + "\nlink set " + name + " up");
+  for (const std::string& address : addresses) ip("address add " + address + " dev " + name);
+  writeFile(interfaceFile(name), "DEVICE=" + name + "\n");
+}
+
+Outcome runAddrtool(const Lines& arguments) {
+  return runCommand(addrtoolCommand(arguments));
+}
+
+Lines kernelAddresses() {
+  std::istringstream output(runCommand({"ip", "-o", "address", "show", "scope", "global"}).out);
+  Lines addresses;
+  for (std::string line; std::getline(output, line);) addresses.push_back(labelAndAddress(line));
+  std::sort(addresses.begin(), addresses.end());
+  return addresses;
+}
+
+void PrintTo(const NetworkFile& file, std::ostream* stream) {
+  *stream << "mode 0" << std::oct << file.mode << std::dec << ", owner " << file.owner << ':'
+          << file.group << '\n'
+          << file.contents << "---";
+}
+
+NetworkFiles networkFiles() {
+  NetworkFiles files;
+  if (!fs::exists(networkScripts)) return files;
+  for (const std::string& name : listDirectory(networkScripts)) {
+    files[name] = readNetworkFile(networkScripts / name);
+  }
+  return files;
+}
+
+void PrintTo(const MachineState& state, std::ostream* stream) {
+  *stream << ::testing::PrintToString(state.addresses) << '\n'
+          << ::testing::PrintToString(state.files);
+}
+
+Lines valuesInShell(const std::string& label, const Lines& variables) {
+  std::string script = ". '" + interfaceFile(label).string() + "'\n";
+  for (const std::string& variable : variables) script += "printf '%s\\n' \"$" + variable + "\"\n";
+  std::istringstream output(runShell(script).out);
+  Lines values;
+  for (std::string line; std::getline(output, line);) values.push_back(line);
+  return values;
+}
+
+void recordIfconfig(const std::string& script) {
+  writeFile(recorder, "#!/bin/sh\nprintf '%s\\0' $# \"$0\" \"$@\" >>" + std::string(recording) +
+                          "\n" + script + "\n");
+  fs::permissions(recorder, fs::perms::owner_all);
+  prepare("mount --bind " + std::string(recorder) + " /sbin/ifconfig");
+}
+
+std::vector<Lines> recordedCommands() {
+  std::vector<Lines> commands;
+  if (!fs::exists(recording)) return commands;
+  std::istringstream words(readFile(recording));
+  for (std::string count; std::getline(words, count, '\0');) {
+    Lines& command = commands.emplace_back(std::stoul(count) + 1);
+    for (std::string& word : command) std::getline(words, word, '\0');
+  }
+  return commands;
+}
+
+CommandLines traceCommandLines(const Lines& arguments) {
+  static const std::string start = R"(execve("/bin/sh", ["sh", "-c", ")";
+  const auto [outcome, calls] =
+      traceCommand({"-f", "-s", "4096", "-e", "trace=execve"}, addrtoolCommand(arguments));
+  Lines commandLines;
+  for (const std::string& call : calls) {
+    const std::size_t at = call.find(start);
+    if (at == std::string::npos) continue;
+    const std::string rest = call.substr(at + start.size());
+    commandLines.push_back(rest.substr(0, rest.find("\"], 0x")));
+  }
+  return {outcome, commandLines};
+}
+
+}  // namespace addrtool::testing

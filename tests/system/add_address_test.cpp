@@ -1,0 +1,282 @@
+// What --add does to the running system and to the files.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/child_process.h"
+#include "support/files.h"
+#include "support/sandbox_machine.h"
+#include "support/system_calls.h"
+
+namespace addrtool::testing {
+namespace {
+
+const Outcome silentSuccess{0, 0, "", ""};
+
+class AddAddress : public SandboxMachine {
+ protected:
+  // That the run fails with this message before it has changed anything.
+  static void expectRefused(const Lines& arguments, const std::string& message) {
+    const MachineState before;
+    EXPECT_EQ(runAddrtool(arguments), (Outcome{1, 0, "", message + '\n'}));
+    EXPECT_EQ(MachineState(), before);
+  }
+};
+
+std::string aliasText(const std::string& label, const std::string& address,
+                      const std::string& netmask) {
+  return "DEVICE=\"" + label + "\"\nIPADDR=\"" + address + "\"\nNETMASK=\"" + netmask + "\"\n";
+}
+
+// --- IPv4 --------------------------------------------------------------------
+
+TEST_F(AddAddress, PutsIPv4OnAnAliasWithAFileOfItsOwn) {
+  NetworkFiles files = networkFiles();
+  EXPECT_EQ(runAddrtool({"--add", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses(),
+            (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64", "eth0:1 192.0.2.10/24"}));
+  files["ifcfg-eth0:1"] = {aliasText("eth0:1", "192.0.2.10", "255.255.255.0")};
+  EXPECT_EQ(networkFiles(), files);
+  EXPECT_EQ(valuesInShell("eth0:1", {"DEVICE", "IPADDR", "NETMASK"}),
+            (Lines{"eth0:1", "192.0.2.10", "255.255.255.0"}));
+}
+
+TEST_F(AddAddress, GivesAnAliasFileTheModeOfConfigurationWhateverTheUmask) {
+  ASSERT_EQ(runShell("umask 077; addrtool -a eth0 192.0.2.10 255.255.255.0"), silentSuccess);
+  EXPECT_EQ(networkFiles().at("ifcfg-eth0:1"),
+            (NetworkFile{aliasText("eth0:1", "192.0.2.10", "255.255.255.0"), 0100644, 0, 0}));
+}
+
+TEST_F(AddAddress, ReplacesALeftOverAliasFileButKeepsItsOwnerAndMode) {
+  const std::string file = interfaceFile("eth0:1");
+  writeFile(file, "DEVICE=eth0:1\nIPADDR=203.0.113.9\nONBOOT=no\nMTU=1400\n# a long comment\n");
+  ASSERT_EQ(chown(file.c_str(), 12, 34), 0);
+  ASSERT_EQ(chmod(file.c_str(), 07640), 0);
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
+  EXPECT_EQ(networkFiles().at("ifcfg-eth0:1"),
+            (NetworkFile{aliasText("eth0:1", "192.0.2.10", "255.255.255.0"), 0107640, 12, 34}));
+}
+
+TEST_F(AddAddress, SaysOnSuseWhenTheAliasIsToBeStarted) {
+  writeFile("/etc/SuSE-release", "");
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
+  EXPECT_EQ(readFile(interfaceFile("eth0:1")),
+            aliasText("eth0:1", "192.0.2.10", "255.255.255.0") + "STARTMODE='onboot'\n");
+  EXPECT_EQ(valuesInShell("eth0:1", {"IPADDR", "STARTMODE"}), (Lines{"192.0.2.10", "onboot"}));
+}
+
+TEST_F(AddAddress, TakesTheLowestFreeNumberOfTheInterface) {
+  addInterface("eth1", {"198.51.100.1/24"});
+  addAlias("eth0:1", "10.0.0.1/32");
+  addAlias("eth0:web", "10.0.0.2/32");
+  addAlias("eth0:10", "10.0.0.3/32");
+  addAlias("eth0:4", "10.0.0.4/32");
+  addAlias("eth1:2", "10.0.0.5/32");
+  for (const char* label : {"eth0:2", "eth0:3", "eth0:5"}) {
+    const std::string address = std::string("192.0.2.1") + label[5];
+    EXPECT_EQ(runAddrtool({"-a", "eth0", address, "255.255.255.0"}), silentSuccess);
+    EXPECT_EQ(valuesInShell(label, {"IPADDR"}), Lines{address});
+  }
+  EXPECT_EQ(kernelAddresses(),
+            (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64", "eth0:1 10.0.0.1/32",
+                   "eth0:10 10.0.0.3/32", "eth0:2 192.0.2.12/24", "eth0:3 192.0.2.13/24",
+                   "eth0:4 10.0.0.4/32", "eth0:5 192.0.2.15/24", "eth0:web 10.0.0.2/32",
+                   "eth1 198.51.100.1/24", "eth1:2 10.0.0.5/32"}));
+}
+
+// The kernel decides about labels that are taken, not the files.
+TEST_F(AddAddress, DoesNotLookAtTheFilesForAFreeNumber) {
+  writeFile(interfaceFile("eth0:1"), "");
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
+  EXPECT_EQ(valuesInShell("eth0:1", {"IPADDR"}), Lines{"192.0.2.10"});
+}
+
+TEST_F(AddAddress, TakesTheNetmaskOfThePrefixLength) {
+  struct Row {
+    std::string typed;
+    std::string netmask;
+    std::string length;
+  };
+  const std::vector<Row> rows{
+      {"255.255.255.128", "255.255.255.128", "/25"}, {"255.0.255.0", "255.255.255.0", "/24"},
+      {"0.0.255.0", "255.255.255.0", "/24"},         {"0.0.0.255", "255.255.255.255", "/32"},
+      {"255.255.255.255", "255.255.255.255", "/32"}, {"0.0.0.0", "255.255.255.255", "/32"},
+  };
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const auto& [typed, netmask, length] = rows[i];
+    const std::string address = "10." + std::to_string(i) + ".0.5";
+    const std::string label = "eth0:" + std::to_string(i + 1);
+    EXPECT_EQ(runAddrtool({"-a", "eth0", address, typed}), silentSuccess) << typed;
+    EXPECT_EQ(readFile(interfaceFile(label)), aliasText(label, address, netmask));
+    EXPECT_EQ(kernelAddresses()[i + 2], label + ' ' + address + length);
+  }
+}
+
+TEST_F(AddAddress, KeepsTheTypedTextOfAnIPv4Address) {
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "10.0.0.013", "255.255.255.0"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses().back(), "eth0:1 10.0.0.11/24");
+  EXPECT_EQ(valuesInShell("eth0:1", {"IPADDR"}), Lines{"10.0.0.013"});
+}
+
+TEST_F(AddAddress, TriesTheNextNumberForAnAddressThatIsThere) {
+  ASSERT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
+  const MachineState before;
+  const auto [outcome, commandLines] =
+      traceCommandLines({"-a", "eth0", "192.0.2.10", "255.255.255.0"});
+  EXPECT_EQ(outcome.exitStatus, 1);
+  EXPECT_EQ(commandLines,
+            Lines{"/sbin/ifconfig 'eth0:2' '192.0.2.10' netmask  '255.255.255.0' up"});
+  EXPECT_EQ(MachineState(), before);
+}
+
+TEST_F(AddAddress, RefusesATextThatIsNoNetmask) {
+  for (const char* netmask : {"24", "", "255.255.255", "255.255.255.0 ", "255.255.255.256", "64"}) {
+    expectRefused({"-a", "eth0", "192.0.2.10", netmask},
+                  std::string(netmask) + ": cannot convert to netmask");
+  }
+}
+
+TEST_F(AddAddress, RefusesAnInterfaceWithoutAnAddress) {
+  addInterface("eth1", {});
+  addInterface("eth2", {"169.254.1.1/16 scope link"});
+  addAlias("eth0:1", "192.0.2.10/24");
+  for (const char* interface : {"eth1", "eth2", "eth0:1", "eth9", "ETH0", "eth", "lo", "eth0 "}) {
+    expectRefused({"-a", interface, "10.0.0.1", "255.255.255.0"},
+                  std::string(interface) + ": no such network interface.");
+  }
+}
+
+TEST_F(AddAddress, IsContentWithAnInterfaceThatHasIPv6Alone) {
+  addInterface("eth1", {"2001:db8:1::1/64"});
+  EXPECT_EQ(runAddrtool({"-a", "eth1", "10.0.0.1", "255.255.255.0"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses().back(), "eth1:1 10.0.0.1/24");
+}
+
+TEST_F(AddAddress, LeavesTheFilesAloneWhenTheIPv4CommandFails) {
+  recordIfconfig("exit 1");
+  expectRefused({"-a", "eth0", "192.0.2.10", "255.255.255.0"},
+                "/sbin/ifconfig 'eth0:1' '192.0.2.10' netmask  '255.255.255.0' up"
+                " exited with non-zero status 1");
+}
+
+TEST_F(AddAddress, PassesOnThatTheKernelCannotBeAsked) {
+  const MachineState before;
+  const auto [outcome, calls] =
+      traceCommand({"-e", "inject=sendto:error=ENOBUFS"},
+                   {"addrtool", "-a", "eth0", "192.0.2.10", "255.255.255.0"});
+  EXPECT_EQ(outcome,
+            (Outcome{1, 0, "", "Can not send RTM_GETADDR request: No buffer space available\n"}));
+  EXPECT_EQ(MachineState(), before);
+}
+
+// --- IPv6 --------------------------------------------------------------------
+
+TEST_F(AddAddress, PutsIPv6OnTheInterfaceAndInItsFile) {
+  NetworkFiles files = networkFiles();
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::5", "64"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses(),
+            (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64", "eth0 2001:db8::5/64"}));
+  files["ifcfg-eth0"].contents += "IPV6ADDR_SECONDARIES=\"2001:db8::5/64\"\n";
+  EXPECT_EQ(networkFiles(), files);
+  EXPECT_EQ(valuesInShell("eth0", {"DEVICE", "IPV6ADDR", "IPV6ADDR_SECONDARIES"}),
+            (Lines{"eth0", "2001:db8::1/64", "2001:db8::5/64"}));
+}
+
+// The closing quote of the list counts as part of its last entry.
+TEST_F(AddAddress, LosesThePrefixLengthOfTheLastListedIPv6Address) {
+  for (const char* address : {"2001:db8::5", "2001:db8::6", "2001:db8::7"}) {
+    ASSERT_EQ(runAddrtool({"-a", "eth0", address, "64"}), silentSuccess);
+  }
+  EXPECT_EQ(valuesInShell("eth0", {"IPV6ADDR", "IPV6ADDR_SECONDARIES"}),
+            (Lines{"2001:db8::1/64", "2001:db8::7/64 2001:db8::6/64 2001:db8::5/0"}));
+}
+
+TEST_F(AddAddress, KeepsTheTypedTextOfAnIPv6Address) {
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:DB8:0::5", "64"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses().back(), "eth0 2001:db8::5/64");
+  EXPECT_EQ(valuesInShell("eth0", {"IPV6ADDR_SECONDARIES"}), Lines{"2001:DB8:0::5/64"});
+}
+
+TEST_F(AddAddress, KeepsOwnerAndModeOfTheInterfacesFile) {
+  const std::string file = interfaceFile("eth0");
+  ASSERT_EQ(chown(file.c_str(), 12, 34), 0);
+  ASSERT_EQ(chmod(file.c_str(), 06600), 0);
+  NetworkFiles files = networkFiles();
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::5", "64"}), silentSuccess);
+  files["ifcfg-eth0"].contents += "IPV6ADDR_SECONDARIES=\"2001:db8::5/64\"\n";
+  EXPECT_EQ(networkFiles(), files);
+  EXPECT_EQ(files["ifcfg-eth0"].mode, 0106600U);
+}
+
+TEST_F(AddAddress, TakesWhiteSpaceAndAPlusAroundAPrefixLength) {
+  int number = 5;
+  for (const char* length : {"64 ", " 64", "+64", "\t+ 64\n", "064"}) {
+    const std::string address = "2001:db8::" + std::to_string(number++);
+    EXPECT_EQ(runAddrtool({"-a", "eth0", address, length}), silentSuccess) << length;
+    EXPECT_EQ(kernelAddresses().back(), "eth0 " + address + "/64");
+    EXPECT_TRUE(readFile(interfaceFile("eth0")).find(address + "/64") != std::string::npos);
+  }
+}
+
+TEST_F(AddAddress, RefusesATextThatIsNoPrefixLength) {
+  for (const char* length :
+       {"64x", "-64", "70000", "", " ", "+", "6 4", "0x40", "65536", "/64", "255.255.255.0"}) {
+    expectRefused({"-a", "eth0", "--", "2001:db8::5", length},
+                  std::string(length) + ": cannot convert to int");
+  }
+}
+
+// So the prefix length, not the netmask, is judged.
+TEST_F(AddAddress, TakesAnyTextWithAColonForIPv6) {
+  expectRefused({"-a", "eth0", "192.0.2.10:", "255.255.255.0"},
+                "255.255.255.0: cannot convert to int");
+  const MachineState before;
+  const Outcome outcome = runAddrtool({"-a", "eth0", ":", "64"});
+  EXPECT_EQ(outcome.exitStatus, 1);
+  EXPECT_NE(outcome.err.find("/sbin/ifconfig eth0 add :/64 exited with non-zero status "),
+            std::string::npos);
+  EXPECT_EQ(MachineState(), before);
+}
+
+TEST_F(AddAddress, LeavesItToTheCommandToMissTheInterfaceOfAnIPv6Address) {
+  const MachineState before;
+  const Outcome outcome = runAddrtool({"-a", "eth9", "2001:db8::5", "64"});
+  EXPECT_EQ(outcome.exitStatus, 1);
+  EXPECT_TRUE(outcome.err.ends_with(
+      "/sbin/ifconfig eth9 add 2001:db8::5/64 exited with non-zero status 1\n"))
+      << outcome.err;
+  EXPECT_EQ(MachineState(), before);
+}
+
+TEST_F(AddAddress, LeavesItToTheCommandToRefuseAnIPv6AddressThatIsThere) {
+  const MachineState before;
+  const Outcome outcome = runAddrtool({"-a", "eth0", "2001:db8::1", "64"});
+  EXPECT_EQ(outcome.exitStatus, 1);
+  EXPECT_TRUE(outcome.err.ends_with(
+      "/sbin/ifconfig eth0 add 2001:db8::1/64 exited with non-zero status 1\n"))
+      << outcome.err;
+  EXPECT_EQ(MachineState(), before);
+}
+
+TEST_F(AddAddress, NeverReadsTheKernelForAnIPv6Address) {
+  const auto [outcome, calls] =
+      traceCommand({"-e", "trace=socket,sendto"}, {"addrtool", "-a", "eth0", "2001:db8::5", "64"});
+  EXPECT_EQ(outcome, silentSuccess);
+  EXPECT_EQ(callsStarting("sendto(", calls), Lines{});
+}
+
+TEST_F(AddAddress, MakesNoFileForAnInterfaceThatHasNone) {
+  addInterface("eth1", {});
+  prepare("rm " + interfaceFile("eth1").string());
+  const NetworkFiles files = networkFiles();
+  EXPECT_EQ(runAddrtool({"-a", "eth1", "2001:db8::5", "64"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses().back(), "eth1 2001:db8::5/64");
+  EXPECT_EQ(networkFiles(), files);
+}
+
+}  // namespace
+}  // namespace addrtool::testing

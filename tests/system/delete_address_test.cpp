@@ -1,0 +1,249 @@
+// What --del does to the running system and to the files, and what it refuses.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "support/addresses.h"
+#include "support/child_process.h"
+#include "support/files.h"
+#include "support/sandbox_machine.h"
+#include "support/system_calls.h"
+
+namespace addrtool::testing {
+namespace {
+
+const Outcome silentSuccess{0, 0, "", ""};
+
+class DeleteAddress : public SandboxMachine {
+ protected:
+  static void add(const std::string& address, const std::string& netmaskOrPrefix) {
+    ASSERT_EQ(runAddrtool({"-a", "eth0", address, netmaskOrPrefix}), silentSuccess);
+  }
+
+  // That the delete fails with this message and changes nothing.
+  static void expectRefused(const std::string& address, const std::string& message) {
+    const MachineState before;
+    EXPECT_EQ(runAddrtool({"-d", address}), (Outcome{1, 0, "", message + '\n'}));
+    EXPECT_EQ(MachineState(), before);
+  }
+};
+
+// --- IPv4 --------------------------------------------------------------------
+
+TEST_F(DeleteAddress, TakesAnAliasAwayWithItsFile) {
+  add("192.0.2.10", "255.255.255.0");
+  const MachineState before;
+  add("192.0.2.11", "255.255.255.0");
+  EXPECT_EQ(runAddrtool({"--del", "192.0.2.11"}), silentSuccess);
+  EXPECT_EQ(MachineState(), before);
+}
+
+TEST_F(DeleteAddress, LeavesTheFilesOfOtherAliasesAlone) {
+  add("192.0.2.10", "255.255.255.0");
+  add("198.51.100.1", "255.255.255.0");
+  NetworkFiles files = networkFiles();
+  EXPECT_EQ(runAddrtool({"-d", "192.0.2.10"}), silentSuccess);
+  files.erase("ifcfg-eth0:1");
+  EXPECT_EQ(networkFiles(), files);
+  EXPECT_EQ(kernelAddresses(),
+            (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64", "eth0:2 198.51.100.1/24"}));
+}
+
+TEST_F(DeleteAddress, DoesNotMissAnAliasFile) {
+  const MachineState before;
+  addAlias("eth0:web", "192.0.2.10/24");
+  EXPECT_EQ(runAddrtool({"-d", "192.0.2.10"}), silentSuccess);
+  EXPECT_EQ(MachineState(), before);
+}
+
+TEST_F(DeleteAddress, RefusesEveryMainAddress) {
+  ip("address add 192.0.2.2/24 dev eth0\naddress add 10.0.0.1/8 dev eth0");
+  for (const std::string address : {"192.0.2.1", "192.0.2.2", "10.0.0.1"}) {
+    expectRefused(address, address + ": cannot delete main IP on interface");
+  }
+}
+
+TEST_F(DeleteAddress, FindsNoIPv4AddressThatIsNotManagedOrNotThere) {
+  add("10.0.0.1", "255.255.255.0");
+  for (const std::string address : {"127.0.0.1", "192.0.2.99", "10.0.0.01", "10.0.0.1 ", "10.0.1",
+                                    "10.0.0.1/24", "10.0.0.", "eth0", ""}) {
+    expectRefused(address, address + ": not configured.");
+  }
+}
+
+TEST_F(DeleteAddress, TakesTheAliasOfTheFirstInterfaceByName) {
+  addInterface("eth1", {"203.0.113.7/24"});
+  addAlias("eth0:1", "203.0.113.7/24");
+  EXPECT_EQ(runAddrtool({"-d", "203.0.113.7"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses(),
+            (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64", "eth1 203.0.113.7/24"}));
+  expectRefused("203.0.113.7", "203.0.113.7: cannot delete main IP on interface");
+}
+
+TEST_F(DeleteAddress, RefusesAMainAddressThatIsAnAliasElsewhere) {
+  addInterface("eth1", {"203.0.113.7/24"});
+  addAlias("eth1:1", "192.0.2.1/24");
+  expectRefused("192.0.2.1", "192.0.2.1: cannot delete main IP on interface");
+}
+
+TEST_F(DeleteAddress, TakesTheFirstAliasInTextOrderOfTheSuffix) {
+  addAlias("eth0:2", "203.0.113.7/24");
+  addAlias("eth0:10", "203.0.113.7/32");
+  const auto [outcome, commandLines] = traceCommandLines({"-d", "203.0.113.7"});
+  EXPECT_EQ(outcome, silentSuccess);
+  EXPECT_EQ(commandLines, Lines{"/sbin/ifconfig 'eth0:10' down"});
+}
+
+TEST_F(DeleteAddress, KeepsTheAliasFileWhenTheCommandFails) {
+  add("192.0.2.10", "255.255.255.0");
+  add("192.0.2.11", "255.255.255.0");
+  recordIfconfig("exit 1");
+  expectRefused("192.0.2.10", "/sbin/ifconfig 'eth0:1' down exited with non-zero status 1");
+  EXPECT_EQ(recordedCommands(), (std::vector<Lines>{{"/sbin/ifconfig", "eth0:1", "down"}}));
+}
+
+TEST_F(DeleteAddress, ReadsTheKernelOnceForAnOnlyAlias) {
+  add("192.0.2.10", "255.255.255.0");
+  const auto [outcome, calls] =
+      traceCommand({"-e", "trace=sendto"}, {"addrtool", "-d", "192.0.2.10"});
+  EXPECT_EQ(outcome, silentSuccess);
+  EXPECT_EQ(callsStarting("sendto(", calls).size(), 1U);
+}
+
+TEST_F(DeleteAddress, ReadsTheKernelTwiceForOneOfTwoAliases) {
+  add("192.0.2.10", "255.255.255.0");
+  add("192.0.2.11", "255.255.255.0");
+  const auto [outcome, calls] =
+      traceCommand({"-e", "trace=sendto"}, {"addrtool", "-d", "192.0.2.10"});
+  EXPECT_EQ(outcome, silentSuccess);
+  EXPECT_EQ(callsStarting("sendto(", calls).size(), 2U);
+}
+
+TEST_F(DeleteAddress, PassesOnThatTheKernelCannotBeAsked) {
+  add("192.0.2.10", "255.255.255.0");
+  const MachineState before;
+  for (const char* address : {"192.0.2.10", "2001:db8::1"}) {
+    const auto [outcome, calls] =
+        traceCommand({"-e", "inject=sendto:error=ENOBUFS"}, {"addrtool", "-d", address});
+    EXPECT_EQ(outcome,
+              (Outcome{1, 0, "", "Can not send RTM_GETADDR request: No buffer space available\n"}));
+  }
+  EXPECT_EQ(MachineState(), before);
+}
+
+// --- IPv6 --------------------------------------------------------------------
+
+TEST_F(DeleteAddress, TakesIPv6AwayHoweverItIsWritten) {
+  const MachineState before;
+  for (const char* text : {"2001:db8::5", "2001:DB8:0:0::5",
+                           "2001:0db8:0000:0000:0000:0000:0000:0005", "2001:db8::0.0.0.5"}) {
+    add("2001:db8::5", "64");
+    EXPECT_EQ(runAddrtool({"-d", text}), silentSuccess) << text;
+    EXPECT_EQ(MachineState(), before) << text;
+  }
+}
+
+TEST_F(DeleteAddress, FindsIPv6InTheFileHoweverItIsWrittenThere) {
+  const MachineState before;
+  add("2001:DB8:0:0::5", "64");
+  EXPECT_EQ(runAddrtool({"-d", "2001:db8::5"}), silentSuccess);
+  EXPECT_EQ(MachineState(), before);
+}
+
+TEST_F(DeleteAddress, KeepsOwnerAndModeOfTheInterfacesFile) {
+  const std::string file = interfaceFile("eth0");
+  ASSERT_EQ(chown(file.c_str(), 12, 34), 0);
+  ASSERT_EQ(chmod(file.c_str(), 01755), 0);
+  const MachineState before;
+  add("2001:db8::5", "64");
+  EXPECT_EQ(runAddrtool({"-d", "2001:db8::5"}), silentSuccess);
+  EXPECT_EQ(MachineState(), before);
+  EXPECT_EQ(before.files.at("ifcfg-eth0").mode, 0101755U);
+}
+
+TEST_F(DeleteAddress, PromotesTheFirstListedIPv6Address) {
+  add("2001:db8::5", "64");
+  add("2001:db8::6", "64");
+  EXPECT_EQ(runAddrtool({"-d", "2001:db8::1"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses(),
+            (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::5/64", "eth0 2001:db8::6/64"}));
+  EXPECT_EQ(valuesInShell("eth0", {"IPV6ADDR", "IPV6ADDR_SECONDARIES"}),
+            (Lines{"2001:db8::6/64", "2001:db8::5/0"}));
+}
+
+// The closing quote of the list counts as part of its last entry.
+TEST_F(DeleteAddress, PromotesTheOnlyListedIPv6AddressWithoutItsPrefixLength) {
+  NetworkFiles files = networkFiles();
+  add("2001:db8::5", "64");
+  EXPECT_EQ(runAddrtool({"-d", "2001:db8::1"}), silentSuccess);
+  std::string& contents = files["ifcfg-eth0"].contents;
+  contents.replace(contents.find("2001:db8::1/64"), std::string::npos, "2001:db8::5/0\n");
+  EXPECT_EQ(networkFiles(), files);
+}
+
+TEST_F(DeleteAddress, RefusesTheLastIPv6AddressOfAnInterface) {
+  add("192.0.2.10", "255.255.255.0");
+  ASSERT_NE(runShell("ip -6 address show dev eth0 scope link").out, "");
+  expectRefused("2001:db8::1", "2001:db8::1: cannot remove last address from eth0");
+  expectRefused("2001:DB8:0::1", "2001:DB8:0::1: cannot remove last address from eth0");
+}
+
+TEST_F(DeleteAddress, FindsNoIPv6AddressThatIsNotManagedOrNotThere) {
+  ip("address add fe80::1/64 dev eth0");
+  add("2001:db8::5", "64");
+  for (const std::string address : {"fe80::1", "::1", "2001:db8::99", "2001:db8::5/64", ":",
+                                    "2001:db8:::5", "2001:db8::5 ", "192.0.2.1:"}) {
+    expectRefused(address, address + ": not configured");
+  }
+}
+
+TEST_F(DeleteAddress, TakesIPv6FromTheFirstInterfaceByName) {
+  addInterface("eth1", {"2001:db8:1::1/64", "2001:db8::5/64"});
+  add("2001:db8::5", "64");
+  EXPECT_EQ(runAddrtool({"-d", "2001:db8::5"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses(), (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64",
+                                      "eth1 2001:db8:1::1/64", "eth1 2001:db8::5/64"}));
+}
+
+// It is searched for no further, though eth1 could give it up.
+TEST_F(DeleteAddress, RefusesALastIPv6AddressThatIsElsewhereToo) {
+  addInterface("eth1", {"2001:db8:1::1/64", "2001:db8::1/64"});
+  expectRefused("2001:db8::1", "2001:db8::1: cannot remove last address from eth0");
+}
+
+TEST_F(DeleteAddress, KeepsTheListWhenTheIPv6CommandFails) {
+  add("2001:db8::5", "64");
+  recordIfconfig("exit 1");
+  expectRefused("2001:DB8::5",
+                "/sbin/ifconfig eth0 del 2001:db8::5/64 exited with non-zero status 1");
+}
+
+// The file is searched for what was typed, and says so when it has nothing else to offer.
+TEST_F(DeleteAddress, ReportsTheTypedTextOfAnAddressThatIsTheLastInTheFile) {
+  ip("address add 2001:db8::5/64 dev eth0");
+  const NetworkFiles files = networkFiles();
+  const Outcome outcome = runAddrtool({"-d", "2001:DB8:0::1"});
+  EXPECT_EQ(outcome.exitStatus, 0);
+  EXPECT_TRUE(outcome.err.starts_with("Cannot remove last IPv6 address 2001:DB8:0::1\n"));
+  EXPECT_EQ(outcome.out, outcome.err);
+  EXPECT_EQ(kernelAddresses(), (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::5/64"}));
+  EXPECT_EQ(networkFiles(), files);
+}
+
+TEST_F(DeleteAddress, ReportsAListThatCannotBeParsedAndLeavesIt) {
+  add("2001:db8::5", "64");
+  prepare("echo IPV6ADDR_SECONDARIES=2001:db8::6 >>" + interfaceFile("eth0").string());
+  const NetworkFiles files = networkFiles();
+  const Outcome outcome = runAddrtool({"-d", "2001:db8::5"});
+  EXPECT_EQ(outcome.exitStatus, 0);
+  EXPECT_TRUE(outcome.err.starts_with("2001:db8::6: cannot parse IPv6 address\n"));
+  EXPECT_EQ(outcome.out, outcome.err);
+  EXPECT_EQ(kernelAddresses(), (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64"}));
+  EXPECT_EQ(networkFiles(), files);
+}
+
+}  // namespace
+}  // namespace addrtool::testing

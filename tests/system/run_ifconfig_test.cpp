@@ -1,0 +1,205 @@
+// How commands reach /sbin/ifconfig and how their end is judged: a recording one takes its place
+// where it has to fail, the real one shows what the shell is handed.
+#include "changes/run_ifconfig.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/addresses.h"
+#include "support/child_process.h"
+#include "support/files.h"
+#include "support/sandbox_machine.h"
+#include "support/system_calls.h"
+
+namespace addrtool::testing {
+namespace {
+
+using RunIfconfig = SandboxMachine;
+
+std::string failureOf(const std::string& arguments) {
+  try {
+    runIfconfig(arguments);
+    return "";
+  } catch (const std::runtime_error& failure) {
+    return failure.what();
+  }
+}
+
+// A shell may run the command in its own place or in a child; either way it is the process that
+// is waited for which dies.
+std::string killShell(int signal) {
+  const std::string number = std::to_string(signal);
+  return "if [ \"$(cat /proc/$PPID/comm)\" = sh ]; then kill -" + number + " $PPID; else kill -" +
+         number + " $$; fi";
+}
+
+std::string lastLine(const std::string& text) {
+  const std::string lines = text.substr(0, text.size() - 1);
+  return lines.substr(lines.rfind('\n') + 1);
+}
+
+TEST_F(RunIfconfig, PassesTheArgumentsOnAsTheyAre) {
+  recordIfconfig();
+  EXPECT_EQ(failureOf("'eth0:1' '192.0.2.10' netmask  '255.255.255.0' up"), "");
+  EXPECT_EQ(failureOf("'a  b' \"c\" d\\ e 'f\ng' '' $((1+1))"), "");
+  EXPECT_EQ(recordedCommands(),
+            (std::vector<Lines>{
+                {"/sbin/ifconfig", "eth0:1", "192.0.2.10", "netmask", "255.255.255.0", "up"},
+                {"/sbin/ifconfig", "a  b", "c", "d e", "f\ng", "", "2"}}));
+}
+
+TEST_F(RunIfconfig, RunsWithoutArgumentsToo) {
+  recordIfconfig("exit 3");
+  EXPECT_EQ(failureOf(""), "/sbin/ifconfig  exited with non-zero status 3");
+  EXPECT_EQ(recordedCommands(), std::vector<Lines>{{"/sbin/ifconfig"}});
+}
+
+TEST_F(RunIfconfig, NamesTheStatusOfAFailedCommand) {
+  recordIfconfig("exit $2");
+  for (const char* status : {"1", "2", "10", "127", "128", "137", "255"}) {
+    const std::string arguments = std::string("eth0 ") + status;
+    EXPECT_EQ(failureOf(arguments),
+              "/sbin/ifconfig " + arguments + " exited with non-zero status " + status);
+  }
+}
+
+TEST_F(RunIfconfig, TakesStatusZeroForSuccessWhateverIsPrinted) {
+  recordIfconfig("echo some output; echo SIOCSIFADDR: No such device >&2");
+  EXPECT_EQ(runInChild([] { runIfconfig("eth0"); }),
+            (Outcome{0, 0, "some output\n", "SIOCSIFADDR: No such device\n"}));
+}
+
+class RunIfconfigSignal : public SandboxMachine, public ::testing::WithParamInterface<int> {};
+
+TEST_P(RunIfconfigSignal, IsNamedWhenItEndedTheCommand) {
+  recordIfconfig(killShell(GetParam()));
+  EXPECT_EQ(failureOf("eth0"),
+            "/sbin/ifconfig eth0 killed with signal " + std::to_string(GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Fatal, RunIfconfigSignal, ::testing::Values(1, 9, 15));
+
+TEST_F(RunIfconfig, ReportsAMissingCommandAsTheShellDoes) {
+  const MachineState before;
+  prepare("mount -t tmpfs none /sbin");
+  const Outcome outcome = runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"});
+  prepare("umount /sbin");
+  EXPECT_EQ(outcome.exitStatus, 1);
+  EXPECT_EQ(lastLine(outcome.err),
+            "/sbin/ifconfig 'eth0:1' '192.0.2.10' netmask  '255.255.255.0' up"
+            " exited with non-zero status 127");
+  EXPECT_EQ(MachineState(), before);
+}
+
+// A caller that ignores SIGCHLD hands that on, and then no child can be waited for: a failed
+// system(3) is a failed command with status 255, even if the command did its work.
+TEST_F(RunIfconfig, CountsAFailureToWaitAsStatus255) {
+  const NetworkFiles filesBefore = networkFiles();
+  const Outcome outcome = runCommand(
+      {"env", "--ignore-signal=CHLD", "addrtool", "-a", "eth0", "192.0.2.10", "255.255.255.0"});
+  EXPECT_EQ(outcome, (Outcome{1, 0, "",
+                              "/sbin/ifconfig 'eth0:1' '192.0.2.10' netmask  '255.255.255.0' up"
+                              " exited with non-zero status 255\n"}));
+  EXPECT_EQ(networkFiles(), filesBefore);
+}
+
+// Where not even a shell can be started, glibc's system(3) says what a shell says that cannot
+// start the command.
+TEST_F(RunIfconfig, CountsAFailureToForkAsAFailedCommand) {
+  const MachineState before;
+  const auto [outcome, calls] =
+      traceCommand({"-e", "inject=clone,clone3,fork,vfork:error=EAGAIN"},
+                   {"addrtool", "-a", "eth0", "192.0.2.10", "255.255.255.0"});
+  EXPECT_EQ(outcome, (Outcome{1, 0, "",
+                              "/sbin/ifconfig 'eth0:1' '192.0.2.10' netmask  '255.255.255.0' up"
+                              " exited with non-zero status 127\n"}));
+  EXPECT_EQ(MachineState(), before);
+}
+
+TEST_F(RunIfconfig, LetsTheCommandInheritTheStandardStreamsAlone) {
+  prepare("mkdir -p /etc/kel; echo PRODUCT_ROOT_D /opt >/etc/kel/kel.conf");
+  addAlias("eth0:1", "198.51.100.1/24");
+  addAlias("eth0:2", "198.51.100.2/24");
+  recordIfconfig("ls /proc/self/fd; ip address flush dev eth0 label 'eth0:*'");
+  const Outcome outcome = runInChild([] {
+    close_range(3, ~0U, 0);
+    execlp("addrtool", "addrtool", "-d", "198.51.100.1", "-a", "eth0", "192.0.2.10",
+           "255.255.255.0", nullptr);
+  });
+  const std::string seen = "0\n1\n2\n3\n";  // the last one is the directory that ls reads
+  EXPECT_EQ(outcome, (Outcome{0, 0, seen + seen + seen, ""}));
+}
+
+// --- the command lines that the program makes --------------------------------
+
+TEST_F(RunIfconfig, GetsTheCommandLineOfAnIPv4Add) {
+  addAlias("eth0:1", "192.0.2.8/24");
+  addAlias("eth0:2", "192.0.2.9/24");
+  const auto [outcome, commandLines] =
+      traceCommandLines({"-a", "eth0", "192.0.2.10", "255.255.255.0"});
+  EXPECT_EQ(outcome, (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(commandLines,
+            Lines{"/sbin/ifconfig 'eth0:3' '192.0.2.10' netmask  '255.255.255.0' up"});
+}
+
+TEST_F(RunIfconfig, GetsTheCommandLineOfAnIPv6Add) {
+  const auto [outcome, commandLines] = traceCommandLines({"-a", "eth0", "2001:DB8:0::5", "48"});
+  EXPECT_EQ(outcome, (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(commandLines, Lines{"/sbin/ifconfig eth0 add 2001:DB8:0::5/48"});
+}
+
+TEST_F(RunIfconfig, GetsTheCommandLineOfAnIPv4Delete) {
+  addAlias("eth0:web:2", "192.0.2.10/24");
+  const auto [outcome, commandLines] = traceCommandLines({"-d", "192.0.2.10"});
+  EXPECT_EQ(outcome, (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(commandLines, Lines{"/sbin/ifconfig 'eth0:web:2' down"});
+}
+
+TEST_F(RunIfconfig, GetsTheKernelsTextInTheCommandLineOfAnIPv6Delete) {
+  ip("address add 2001:db8::5/48 dev eth0");
+  const auto [outcome, commandLines] = traceCommandLines({"-d", "2001:DB8:0::5"});
+  EXPECT_EQ(outcome, (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(commandLines, Lines{"/sbin/ifconfig eth0 del 2001:db8::5/48"});
+}
+
+TEST_F(RunIfconfig, GetsPrefixLengthsThatAreOutOfRange) {
+  recordIfconfig("exit 1");
+  for (const std::string length : {"0", "200", "65535"}) {
+    EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::5", length}),
+              (Outcome{1, 0, "",
+                       "/sbin/ifconfig eth0 add 2001:db8::5/" + length +
+                           " exited with non-zero status 1\n"}));
+  }
+  EXPECT_EQ(recordedCommands(),
+            (std::vector<Lines>{{"/sbin/ifconfig", "eth0", "add", "2001:db8::5/0"},
+                                {"/sbin/ifconfig", "eth0", "add", "2001:db8::5/200"},
+                                {"/sbin/ifconfig", "eth0", "add", "2001:db8::5/65535"}}));
+}
+
+TEST_F(RunIfconfig, GetsIPv4OperandsInQuotes) {
+  recordIfconfig();
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "10.0.0.5; $(id) *", "255.255.255.0"}),
+            (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(recordedCommands(),
+            (std::vector<Lines>{{"/sbin/ifconfig", "eth0:1", "10.0.0.5; $(id) *", "netmask",
+                                 "255.255.255.0", "up"}}));
+}
+
+// The shell reads them as it reads anything: a caller has to be trusted.
+TEST_F(RunIfconfig, GetsIPv6OperandsWithoutQuotes) {
+  recordIfconfig();
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::$((4+5))", "64"}), (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(recordedCommands(),
+            (std::vector<Lines>{{"/sbin/ifconfig", "eth0", "add", "2001:db8::9/64"}}));
+  EXPECT_EQ(valuesInShell("eth0", {"IPV6ADDR"}), Lines{"2001:db8::1/64"});
+  EXPECT_TRUE(readFile(interfaceFile("eth0"))
+                  .ends_with("IPV6ADDR_SECONDARIES=\"2001:db8::$((4+5))/64\"\n"));
+}
+
+}  // namespace
+}  // namespace addrtool::testing
