@@ -19,8 +19,9 @@ inline void PrintTo(const AddressRecord& record, std::ostream* stream) {
 }
 
 inline void PrintTo(const InterfaceAddresses& addresses, std::ostream* stream) {
-  for (const AddressRecord& record : addresses.primaryIPv4)
+  for (const AddressRecord& record : addresses.primaryIPv4) {
     PrintTo(record, &(*stream << " plain "));
+  }
   for (const auto& [suffix, record] : addresses.aliases) {
     PrintTo(record, &(*stream << " :" << suffix << ' '));
   }

@@ -89,9 +89,8 @@ std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type) {
   return bytesOf(header);
 }
 
-ExactBytes::ExactBytes(const std::string& bytes)
-    : memory_(std::make_unique<std::byte[]>(bytes.size())), size_(bytes.size()) {
-  std::memcpy(memory_.get(), bytes.data(), size_);
+ExactBytes::ExactBytes(const std::string& bytes) : memory_(bytes.size()) {
+  std::memcpy(memory_.data(), bytes.data(), bytes.size());
 }
 
 }  // namespace addrtool::testing

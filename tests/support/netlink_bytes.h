@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -53,11 +52,10 @@ std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type);
 class ExactBytes {
  public:
   explicit ExactBytes(const std::string& bytes);
-  std::span<const std::byte> span() const { return {memory_.get(), size_}; }
+  std::span<const std::byte> span() const { return memory_; }
 
  private:
-  std::unique_ptr<std::byte[]> memory_;
-  std::size_t size_;
+  std::vector<std::byte> memory_;
 };
 
 }  // namespace addrtool::testing

@@ -101,6 +101,15 @@ TEST(CommandLine, AnAddWithoutItsTwoOperandsPrintsTheUsageText) {
   EXPECT_EQ(addrtool({"-l"}).out, freshMachine);
 }
 
+TEST(CommandLine, OperandsMayStandBeforeOptions) {
+  EXPECT_EQ(addrtool({"192.0.2.50", "-a", "eth0", "255.255.255.0", "-l"}),
+            (Outcome{0, 0, freshMachine, ""}));
+  EXPECT_EQ(addrtool({"-l"}).out,
+            "192.0.2.1 255.255.255.0 eth0 1\n"
+            "192.0.2.50 255.255.255.0 eth0 0\n"
+            "2001:db8::1 64 eth0 0\n");
+}
+
 TEST(CommandLine, AFailureIsReportedAfterWhatWasDoneBefore) {
   EXPECT_EQ(addrtool({"-d", "192.0.2.1", "-l"}),
             (Outcome{1, 0, freshMachine, "192.0.2.1: cannot delete main IP on interface\n"}));

@@ -96,11 +96,13 @@ TEST(Listing, InterfacesComeInNameOrderWhateverTheKernels) {
 
 TEST(Listing, PrefixLengthZeroHasTheNetmaskOfLength32) {
   ip(R"(address add 198.51.100.32/32 dev eth0
-        address add 203.0.113.1/0 dev eth0)");
+        address add 203.0.113.1/0 dev eth0
+        address add 192.0.2.2/24 dev eth0)");
   EXPECT_EQ(listing(),
             "192.0.2.1 255.255.255.0 eth0 1\n"
             "198.51.100.32 255.255.255.255 eth0 0\n"
             "203.0.113.1 255.255.255.255 eth0 0\n"
+            "192.0.2.2 255.255.255.0 eth0 0\n"
             "2001:db8::1 64 eth0 0\n");
 }
 
@@ -189,6 +191,12 @@ TEST(Listing, EveryLineIsAWriteOfItsOwn) {
                 R"(write(1, "192.0.2.2 255.255.255.0 eth0 0\n", 31) = 31)",
                 R"(write(1, "2001:db8::1 64 eth0 0\n", 22) = 22)",
             }));
+}
+
+TEST(Listing, ALineOfWhichOnlyAPartWasWrittenIsWrittenToItsEnd) {
+  const Trace trace =
+      traceCommand({"-e", "trace=write", "-e", "inject=write:retval=5:when=1"}, {"addrtool", "-l"});
+  EXPECT_EQ(trace.outcome, (Outcome{0, 0, freshMachine.substr(5), ""}));
 }
 
 // --- what no option reaches ---

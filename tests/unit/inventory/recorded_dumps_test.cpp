@@ -166,7 +166,7 @@ TEST(RecordedDumps, MessagesShortenedToAnyLengthGiveTheAttributesThatAreWhole) {
       }
       if (length == next + attribute.rta_len) {
         whole = length;
-        next += (attribute.rta_len + 3U) / 4 * 4;
+        next += (std::size_t{attribute.rta_len} + 3) / 4 * 4;
       }
       ASSERT_EQ(collectShortened(message, length), collectShortened(message, whole))
           << "message " << n << " shortened to " << length;
