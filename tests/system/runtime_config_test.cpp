@@ -138,7 +138,7 @@ TEST(GetConfigValue, GivesWhatTheFileSays) {
             "/elsewhere\n7\n(null)\n");
 }
 
-TEST(GetConfigValue, RemembersAValueAndNoMiss) {
+TEST(GetConfigValue, GivesOneTextEachTimeButRemembersNoMiss) {
   EXPECT_EQ(outputWith(nullptr,
                        [] {
                          print(getConfigValue(ConfigVariable::DUMP_D));
