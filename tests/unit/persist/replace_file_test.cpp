@@ -71,7 +71,7 @@ struct ReplaceFile : ::testing::Test {
   Script script;
 
   // The one file beside the target, whose name must be that of its temporary file.
-  fs::path leftover() {
+  fs::path leftover() const {
     Names names = listDirectory(directory.path());
     std::erase(names, "target");
     EXPECT_EQ(names.size(), 1U) << ::testing::PrintToString(names);
