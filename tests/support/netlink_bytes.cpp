@@ -89,8 +89,9 @@ std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type) {
   return bytesOf(header);
 }
 
-ExactBytes::ExactBytes(const std::string& bytes) : memory_(bytes.size()) {
-  std::memcpy(memory_.data(), bytes.data(), bytes.size());
+ExactBytes::ExactBytes(const std::string& bytes) {
+  const auto all = std::as_bytes(std::span(bytes));
+  memory_.assign(all.begin(), all.end());
 }
 
 }  // namespace addrtool::testing
