@@ -1,19 +1,30 @@
 // What --add does to the running system and to the files.
+#include "changes/add_address.h"
+
 #include <gtest/gtest.h>
+#include <linux/netlink.h>
+#include <net/if.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <queue>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "support/child_process.h"
 #include "support/files.h"
+#include "support/netlink_bytes.h"
 #include "support/sandbox_machine.h"
 #include "support/system_calls.h"
 
 namespace addrtool::testing {
 namespace {
+
+// What recv(2) gives in the kernel's place, as long as there is something.
+std::queue<std::string> replies;
 
 const Outcome silentSuccess{0, 0, "", ""};
 
@@ -150,6 +161,34 @@ TEST_F(AddAddress, RefusesAnInterfaceWithoutAnAddress) {
   }
 }
 
+TEST_F(AddAddress, JudgesTheThirdOperandBeforeTheInterface) {
+  expectRefused({"-a", "eth9", "192.0.2.10", "24"}, "24: cannot convert to netmask");
+  expectRefused({"-a", "eth9", "2001:db8::5", "x"}, "x: cannot convert to int");
+}
+
+// The kernel's answer is made up: to really give an interface that many takes minutes.
+TEST_F(AddAddress, RefusesAnAliasWhereEveryNumberIsTaken) {
+  const MachineState before;
+  const std::uint32_t index = if_nametoindex("eth0");
+  std::vector<AddressMessage> messages;
+  for (int number = 1; number <= 65535; ++number) {
+    const Attribute label = labelAttribute("eth0:" + std::to_string(number));
+    messages.push_back({.index = index, .attributes = {addressAttribute("10.0.0.1"), label}});
+    if (messages.size() < 100 && number != 65535) continue;
+    replies.push(datagramOf(messages));
+    messages.clear();
+  }
+  replies.push(headerOnly(16, NLMSG_DONE));
+  try {
+    addIPv4Address("eth0", {"192.0.2.10", 24});
+    ADD_FAILURE() << "found a number";
+  } catch (const std::runtime_error& failure) {
+    EXPECT_STREQ(failure.what(), "eth0: no free alias number.");
+  }
+  EXPECT_TRUE(replies.empty());
+  EXPECT_EQ(MachineState(), before);
+}
+
 TEST_F(AddAddress, IsContentWithAnInterfaceThatHasIPv6Alone) {
   addInterface("eth1", {"2001:db8:1::1/64"});
   EXPECT_EQ(runAddrtool({"-a", "eth1", "10.0.0.1", "255.255.255.0"}), silentSuccess);
@@ -280,3 +319,19 @@ TEST_F(AddAddress, MakesNoFileForAnInterfaceThatHasNone) {
 
 }  // namespace
 }  // namespace addrtool::testing
+
+// The names are the linker's: it sends every call of NAME to __wrap_NAME.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,readability-identifier-naming)
+extern "C" {
+
+ssize_t __real_recv(int socketFd, void* buffer, std::size_t size, int flags);
+ssize_t __wrap_recv(int socketFd, void* buffer, std::size_t size, int flags) {
+  using addrtool::testing::replies;
+  if (replies.empty()) return __real_recv(socketFd, buffer, size, flags);
+  const std::size_t length = replies.front().copy(static_cast<char*>(buffer), size);
+  replies.pop();
+  return static_cast<ssize_t>(length);
+}
+
+}  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,readability-identifier-naming)

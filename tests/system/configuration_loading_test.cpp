@@ -62,6 +62,11 @@ TEST_F(ConfigurationLoading, AnUnusualFileChangesNothing) {
 TEST_F(ConfigurationLoading, AHugeFileChangesNothing) {
   expectNothingChangesWith(manyDefinitions(10000));
   expectNothingChangesWith(std::string(5000000, '\n'));
+
+  // Of few names: each one is looked for among all those that came before.
+  std::string repeated;
+  for (int i = 0; i < 4000; ++i) repeated += manyDefinitions(25);
+  expectNothingChangesWith(repeated);
 }
 
 TEST_F(ConfigurationLoading, WhatCannotBeReadChangesNothing) {

@@ -193,6 +193,25 @@ TEST(Listing, EveryLineIsAWriteOfItsOwn) {
             }));
 }
 
+TEST(Listing, ManyAliasesCostAReceivePerDatagramAWritePerLineAndLittleElse) {
+  std::string commands;
+  for (int n = 1; n <= 2000; ++n) {
+    const std::string address = "10.0." + std::to_string(n / 250) + '.' + std::to_string(n % 250);
+    commands += "address add " + address + "/32 dev eth0 label eth0:" + std::to_string(n) + '\n';
+  }
+  ip(commands);
+  const Trace trace = traceCommand({"-e", "trace=!%memory"}, {"addrtool", "--list"});
+  EXPECT_EQ(trace.outcome.exitStatus, 0);
+
+  const auto calls = callsFrom("socket(AF_NETLINK", trace);
+  const auto receives = callsStarting("recvfrom(", calls).size();
+  const auto writes = callsStarting("write(", calls).size();
+  EXPECT_EQ(writes, 2002U);
+  EXPECT_GT(receives, 10U);
+  EXPECT_LT(receives, 200U);
+  EXPECT_LE(calls.size() - receives - writes, 8U);
+}
+
 TEST(Listing, ALineOfWhichOnlyAPartWasWrittenIsWrittenToItsEnd) {
   const Trace trace =
       traceCommand({"-e", "trace=write", "-e", "inject=write:retval=5:when=1"}, {"addrtool", "-l"});
