@@ -68,8 +68,13 @@ TEST(CommandLine, WhatElseWasAskedForIsDoneInSpiteOfABadOption) {
 }
 
 TEST(CommandLine, ListIsAskedForInEverySpelling) {
-  const std::vector<std::vector<std::string>> table{
-      {"-l"}, {"--list"}, {"--li"}, {"--main", "-l"}, {"-l", "--main"}, {"-l", "-a", ""}};
+  const std::vector<std::vector<std::string>> table{{"-l"},
+                                                    {"--list"},
+                                                    {"--li"},
+                                                    {"--main", "-l"},
+                                                    {"-l", "--main"},
+                                                    {"-l", "-a", ""},
+                                                    {"-a", "eth0", "-l", "-a", ""}};
   for (const auto& arguments : table) {
     EXPECT_EQ(addrtool(arguments), (Outcome{0, 0, freshMachine, ""})) << arguments.back();
   }
@@ -108,6 +113,13 @@ TEST(CommandLine, OperandsMayStandBeforeOptions) {
             "192.0.2.1 255.255.255.0 eth0 1\n"
             "192.0.2.50 255.255.255.0 eth0 0\n"
             "2001:db8::1 64 eth0 0\n");
+}
+
+TEST(CommandLine, ActionsWithAnArgumentKeepTheirOrderWhateverTheyAre) {
+  const std::string failure = "192.0.2.1: cannot delete main IP on interface\n";
+  EXPECT_EQ(addrtool({"-v", "10.0.0.1", "-d", "192.0.2.1", "-v", "10.0.0.2"}),
+            (Outcome{1, 0, "0", failure}));
+  EXPECT_EQ(addrtool({"-d", "192.0.2.1", "-v", "10.0.0.1"}), (Outcome{1, 0, "", failure}));
 }
 
 TEST(CommandLine, AFailureIsReportedAfterWhatWasDoneBefore) {

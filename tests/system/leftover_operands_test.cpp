@@ -33,6 +33,12 @@ TEST(LeftoverOperands, EndTheProgramBeforeAnyAction) {
   }
 }
 
+// The complaint about -x finds the disk full, and that is the error which is reported later.
+TEST(LeftoverOperands, AreReportedWithTheErrorThatHappensToBeSet) {
+  EXPECT_EQ(runShell("addrtool -x -l extra 2>/dev/full"),
+            (Outcome{1, 0, message + "System error 28: No space left on device\n", ""}));
+}
+
 TEST(LeftoverOperands, AreLookedForOnlyWhenSomethingIsAsked) {
   EXPECT_EQ(runCommand({"addrtool", "extra"}).exitStatus, 2);
   EXPECT_EQ(runCommand({"addrtool", "--main", "extra"}).exitStatus, 2);
