@@ -191,6 +191,11 @@ TEST(IPv6Adding, AReportCarriesAnEarlierSystemError) {
             "bad: cannot parse IPv6 address\nSystem error 2: No such file or directory\n");
 }
 
+TEST(IPv6Adding, AReportCarriesThatAPrefixLengthBeforeItWasTooLarge) {
+  EXPECT_EQ(adding("IPV6ADDR_SECONDARIES=a/65536 bad\n").said,
+            "bad: cannot parse IPv6 address\nSystem error 34: Numerical result out of range\n");
+}
+
 // --- removing ----------------------------------------------------------------
 
 TEST(IPv6Removing, ASecondaryGoesAndTheOthersKeepTheirOrder) {

@@ -169,6 +169,29 @@ TEST_F(ReplaceFile, TheModeIsKeptWithSetIdAndStickyBits) {
   }
 }
 
+TEST_F(ReplaceFile, ALinkIsReplacedByAFileWithTheModeOfTheLinkedOne) {
+  writeFile(directory / "linked", "old\n");
+  ASSERT_EQ(chmod((directory / "linked").c_str(), 0640), 0);
+  fs::create_symlink("linked", target);
+  EXPECT_EQ(replace(target, script, 1), 0);
+  EXPECT_EQ(script.oldText, "old\n");
+  EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target)));
+  EXPECT_EQ(readFile(target), "new\n");
+  EXPECT_EQ(modeOf(target), 0640U);
+  EXPECT_EQ(readFile(directory / "linked"), "old\n");
+}
+
+TEST_F(ReplaceFile, ALinkToNothingIsAMissingTarget) {
+  fs::create_symlink("missing", target);
+  EXPECT_EQ(replace(target, script, 1), -1);
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
+  EXPECT_EQ(replace(target, script, 0), 0);
+  EXPECT_FALSE(script.hadOldFile);
+  EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target)));
+  EXPECT_EQ(modeOf(target), 0644U);
+}
+
 TEST_F(ReplaceFile, AWritersFailureIsTheResultAndLeavesNoTrace) {
   for (const int failure : {5, 1, -1, -7}) {
     writeFile(target, "old\n");
