@@ -218,6 +218,10 @@ TEST(Listing, ALineOfWhichOnlyAPartWasWrittenIsWrittenToItsEnd) {
   EXPECT_EQ(trace.outcome, (Outcome{0, 0, freshMachine.substr(5), ""}));
 }
 
+TEST(Listing, LinesThatCannotBeWrittenAreLostWithoutAWord) {
+  EXPECT_EQ(runShell("addrtool --list >/dev/full"), (Outcome{0, 0, "", ""}));
+}
+
 // --- what no option reaches ---
 
 std::vector<std::string> describe(const AddressInventory& inventory) {

@@ -242,6 +242,12 @@ TEST(AddressMessages, ALaterAttributeReplacesAnEarlierOneOfItsType) {
             eth0With({.primaryIPv4 = {{"192.0.2.3", 24}}}));
 }
 
+TEST(AddressMessages, AnAttributeWithoutAnyByteBehindItsHeaderCountsToo) {
+  EXPECT_EQ(collect({{.attributes = {addressAttribute("192.0.2.1"), labelAttribute("eth0:1"),
+                                     Attribute{IFA_LABEL, ""}}}}),
+            eth0With({.primaryIPv4 = {{"192.0.2.1", 24}}}));
+}
+
 TEST(AddressMessages, AttributesOfOtherTypesAreIgnored) {
   for (const int type : {0, 4, 5, 6, 7, 8, 9, 10, 11, 255, 0x0101, 0x0102, 0x0103, 0x4001, 0x8001,
                          0x8002, 0x8003, 0xFFFF}) {
