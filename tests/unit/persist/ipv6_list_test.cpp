@@ -78,7 +78,8 @@ TEST(IPv6List, TheLengthOfTheValueIsThePlaceOfItsEndInTheLine) {
 
 TEST(IPv6List, KeepsAddressesAsTheyAreWritten) {
   expectLists({{"K=2001:DB8:0:0::1/64 junk/7 192.0.2.1/24 /8 a=b/9\n",
-                {{"2001:DB8:0:0::1", 64}, {"junk", 7}, {"192.0.2.1", 24}, {"", 8}, {"a=b", 9}}}});
+                {{"2001:DB8:0:0::1", 64}, {"junk", 7}, {"192.0.2.1", 24}, {"", 8}, {"a=b", 9}}},
+               {"K=x/7\n", {{"x", 7}}}});
 }
 
 TEST(IPv6List, APrefixLengthThatIsNoNumberIsZero) {
