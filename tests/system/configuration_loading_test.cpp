@@ -31,7 +31,7 @@ struct ConfigurationLoading : ::testing::Test {
 
   void TearDown() override { fs::remove_all(config.parent_path()); }
 
-  void expectNothingChangesWith(const std::string& contents) {
+  void expectNothingChangesWith(const std::string& contents) const {
     writeFile(config, contents);
     EXPECT_EQ(list(), withoutFile);
   }
