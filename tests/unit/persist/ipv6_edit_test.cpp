@@ -260,9 +260,9 @@ TEST(IPv6Removing, ThePrimaryIsReadWithoutItsQuotesBlanksAndPrefixLength) {
 }
 
 TEST(IPv6Removing, APrimaryThatIsAnotherTextIsNotThePrimary) {
-  for (const std::string value : {"2001:db8::1 /64", "\"2001:db8::1\"/64", "2001:db8::1\f",
-                                  "\v2001:db8::1", "2001:db8::1%eth0", "/2001:db8::1", "", "::1",
-                                  "x2001:db8::1", "2001:db8::1x"}) {
+  for (const std::string value :
+       {"2001:db8::1 /64", "\"2001:db8::1\"/64", "2001:db8::1\f", "\v2001:db8::1",
+        "2001:db8::1%eth0", "/2001:db8::1", "", "::1", "x2001:db8::1", "2001:db8::1x"}) {
     expectUntouched("2001:db8::1", {"IPV6ADDR=" + value + "\n"});
   }
 }
