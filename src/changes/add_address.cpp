@@ -1,6 +1,8 @@
 #include "changes/add_address.h"
 
+#include <bitset>
 #include <cstdint>
+#include <limits>
 #include <stdexcept>
 
 #include "changes/run_ifconfig.h"
@@ -44,11 +46,17 @@ void addIPv6Address(const std::string& interface, const AddressRecord& record) {
 }
 
 std::string lowestFreeAliasNumber(const AliasMap& aliases) {
-  for (std::uint16_t number = 1; number != 0; ++number) {
-    std::string text = std::to_string(number);
-    if (!aliases.contains(text)) return text;
+  // One pass: a look-up for each number would cost as much as reading a long table does.
+  std::bitset<std::numeric_limits<std::uint16_t>::max() + 1> taken;
+  for (const auto& [suffix, record] : aliases) {
+    std::uint16_t number = 0;
+    if (parseUnsigned16(suffix.c_str(), &number) == 0 && suffix == std::to_string(number)) {
+      taken.set(number);
+    }
   }
-  return {};  // the counter has come round
+  std::uint16_t lowest = 1;
+  while (lowest != 0 && taken.test(lowest)) ++lowest;
+  return lowest == 0 ? "" : std::to_string(lowest);  // 0: the counter has come round
 }
 
 void bringUpAlias(const std::string& label, const AddressRecord& record) {

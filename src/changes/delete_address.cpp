@@ -1,7 +1,9 @@
 #include "changes/delete_address.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
+#include <vector>
 
 #include "changes/add_address.h"
 #include "changes/run_ifconfig.h"
@@ -77,9 +79,11 @@ void restoreAliases(const std::string& interface, const AliasMap& snapshot,
   readKernelAddresses(dump, false);
   const AliasMap& present = dump[interface].aliases;  // empty when all its addresses are gone
 
-  for (const auto& [suffix, record] : snapshot) {
-    if (suffix == deletedSuffix || present.contains(suffix)) continue;
-    bringUpAlias(interface + ':' + suffix, record);
+  std::vector<AliasMap::value_type> vanished;  // in one pass over both, which have one order
+  std::ranges::set_difference(snapshot, present, std::back_inserter(vanished), {},
+                              &AliasMap::value_type::first, &AliasMap::value_type::first);
+  for (const auto& [suffix, record] : vanished) {
+    if (suffix != deletedSuffix) bringUpAlias(interface + ':' + suffix, record);
   }
 }
 
