@@ -10,6 +10,7 @@
 #include <array>
 #include <charconv>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -104,15 +105,6 @@ std::string ipv6Text(Bytes address) {
   return text.data();
 }
 
-void addIPv4(InterfaceAddresses& addresses, std::string_view label, AddressRecord record) {
-  const std::size_t colon = label.find(':');
-  if (colon == std::string_view::npos) {
-    addresses.primaryIPv4.push_back(std::move(record));
-  } else {
-    addresses.aliases.try_emplace(std::string(label.substr(colon + 1)), std::move(record));
-  }
-}
-
 }  // namespace
 
 DatagramKind classifyDatagram(Bytes datagram) {
@@ -163,11 +155,26 @@ void AddressCollector::collectMessage(Bytes message) {
   }
 }
 
+// Aliases come in the order in which they were made, which is mostly that of their numbers: the
+// place of each is mostly right behind the one before.
+void AddressCollector::addIPv4(InterfaceAddresses& addresses, std::string_view label,
+                               AddressRecord record) {
+  const std::size_t colon = label.find(':');
+  if (colon == std::string_view::npos) {
+    addresses.primaryIPv4.push_back(std::move(record));
+    return;
+  }
+  AliasMap& aliases = addresses.aliases;
+  const auto place = lastAlias_ ? std::next(*lastAlias_) : aliases.end();
+  lastAlias_ = aliases.try_emplace(place, std::string(label.substr(colon + 1)), std::move(record));
+}
+
 // Messages of one interface follow one another, and a name costs three system calls.
 const std::string& AddressCollector::interfaceName(unsigned index) {
   if (lastIndex_ != index) {
     lastName_ = interfaceNamer_(index);
     lastIndex_ = index;
+    lastAlias_.reset();
   }
   return lastName_;
 }

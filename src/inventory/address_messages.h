@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "inventory/address_dump.h"
 
@@ -31,8 +32,9 @@ class AddressCollector {
   /// Gives the name of the interface with this kernel index; raises when there is none.
   using InterfaceNamer = std::function<std::string(unsigned index)>;
 
-  /// Adds to `dump`, which must outlive the collector. With `includeHostScope`, addresses of host
-  /// scope (127.0.0.1, ::1) are taken too; otherwise only those of universe scope are.
+  /// Adds to `dump`, which must outlive the collector and lose nothing meanwhile. With
+  /// `includeHostScope`, addresses of host scope (127.0.0.1, ::1) are taken too; otherwise only
+  /// those of universe scope are.
   AddressCollector(AddressDump& dump, bool includeHostScope, InterfaceNamer interfaceNamer);
 
   /// Adds the managed addresses of every message of the datagram. Messages that cannot hold what
@@ -41,6 +43,7 @@ class AddressCollector {
 
  private:
   void collectMessage(std::span<const std::byte> message);
+  void addIPv4(InterfaceAddresses& addresses, std::string_view label, AddressRecord record);
   const std::string& interfaceName(unsigned index);
 
   AddressDump& dump_;
@@ -48,6 +51,7 @@ class AddressCollector {
   InterfaceNamer interfaceNamer_;
   std::optional<unsigned> lastIndex_;
   std::string lastName_;
+  std::optional<AliasMap::iterator> lastAlias_;  // of that interface
 };
 
 }  // namespace addrtool

@@ -7,6 +7,7 @@
 #include <linux/rtnetlink.h>
 #include <netinet/in.h>
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <string>
@@ -332,6 +333,26 @@ TEST(AddressMessages, AliasesComeInTextOrderOfTheirSuffix) {
                                         {"2", {"192.0.2.2", 24}}}}));
 }
 
+TEST(AddressMessages, TheOrderInWhichAliasesComeMakesNoDifference) {
+  const AliasMap expected{{"1", {"192.0.2.1", 24}},
+                          {"10", {"192.0.2.10", 24}},
+                          {"2", {"192.0.2.2", 24}},
+                          {"3", {"192.0.2.3", 24}},
+                          {"web", {"192.0.2.4", 24}}};
+  std::vector<std::string> suffixes;
+  for (const auto& [suffix, record] : expected) suffixes.push_back(suffix);
+  int orders = 0;
+  do {
+    std::vector<AddressMessage> messages;
+    for (const std::string& suffix : suffixes) {
+      messages.push_back(ipv4(expected.at(suffix).address, "eth0:" + suffix));
+    }
+    EXPECT_EQ(collect(messages), eth0With({.aliases = expected}));
+    ++orders;
+  } while (std::ranges::next_permutation(suffixes).found);
+  EXPECT_EQ(orders, 120);
+}
+
 TEST(AddressMessages, OfTwoAddressesWithOneSuffixTheFirstStays) {
   const std::string first = datagramOf({ipv4("192.0.2.1", "eth0:1"), ipv4("192.0.2.2", "eth0:1")});
   const std::string second = datagramOf({ipv4("192.0.2.3", "eth0:1")});
@@ -342,6 +363,20 @@ TEST(AddressMessages, InterfacesDoNotShareTheirSuffixes) {
   EXPECT_EQ(collect({ipv4("192.0.2.1", "eth0:1"), onInterface(2, ipv4("192.0.2.2", "eth1:1"))}),
             (AddressDump{{"eth0", {.aliases = {{"1", {"192.0.2.1", 24}}}}},
                          {"eth1", {.aliases = {{"1", {"192.0.2.2", 24}}}}}}));
+}
+
+TEST(AddressMessages, AliasesOfTwoInterfacesMayComeInTurns) {
+  std::vector<AddressMessage> messages;
+  AddressDump expected;
+  for (const char* suffix : {"4", "2", "5", "1", "3"}) {
+    const std::string one = std::string("192.0.2.") + suffix;
+    const std::string other = std::string("198.51.100.") + suffix;
+    messages.push_back(ipv4(one, std::string("eth0:") + suffix));
+    messages.push_back(onInterface(2, ipv4(other, std::string("eth1:") + suffix)));
+    expected["eth0"].aliases[suffix] = {one, 24};
+    expected["eth1"].aliases[suffix] = {other, 24};
+  }
+  EXPECT_EQ(collect(messages), expected);
 }
 
 TEST(AddressMessages, PlainAddressesKeepTheKernelsOrder) {
