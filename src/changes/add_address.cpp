@@ -1,9 +1,11 @@
 #include "changes/add_address.h"
 
 #include <bitset>
+#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
+#include <system_error>
 
 #include "changes/run_ifconfig.h"
 #include "inventory/kernel_addresses.h"
@@ -50,7 +52,10 @@ std::string lowestFreeAliasNumber(const AliasMap& aliases) {
   std::bitset<std::numeric_limits<std::uint16_t>::max() + 1> taken;
   for (const auto& [suffix, record] : aliases) {
     std::uint16_t number = 0;
-    if (parseUnsigned16(suffix.c_str(), &number) == 0 && suffix == std::to_string(number)) {
+    const char* const end = suffix.data() + suffix.size();
+    const auto parsed = std::from_chars(suffix.data(), end, number);
+    // 01 is not the text that 1 is written as, so it takes no number.
+    if (parsed == std::from_chars_result{end, std::errc{}} && suffix.front() != '0') {
       taken.set(number);
     }
   }

@@ -139,7 +139,7 @@ void AddressCollector::collectMessage(Bytes message) {
   const auto header = readFront<ifaddrmsg>(message.subspan(sizeof(nlmsghdr)));
   if (!isManaged(header, includeHostScope_)) return;
 
-  const std::string& interface = interfaceName(header.ifa_index);
+  turnTo(header.ifa_index);
   const bool isIPv4 = header.ifa_family == AF_INET;
   const auto attributes =
       readAttributes(message.subspan(headersSize), isIPv4 ? sizeof(in_addr) : sizeof(in6_addr));
@@ -149,34 +149,34 @@ void AddressCollector::collectMessage(Bytes message) {
   const Bytes own = attributes.local.empty() ? attributes.address : attributes.local;
   AddressRecord record{isIPv4 ? ipv4Text(own) : ipv6Text(own), header.ifa_prefixlen};
   if (isIPv4) {
-    addIPv4(dump_[interface], attributes.label, std::move(record));
+    addIPv4(attributes.label, std::move(record));
   } else if (record.address != "::2") {  // deliberately never managed
-    dump_[interface].ipv6.push_back(std::move(record));
+    entry().ipv6.push_back(std::move(record));
   }
+}
+
+// Messages of one interface follow one another, and a name costs three system calls.
+void AddressCollector::turnTo(unsigned index) {
+  if (!current_ || current_->index != index) current_ = {index, interfaceNamer_(index)};
+}
+
+InterfaceAddresses& AddressCollector::entry() {
+  if (current_->addresses == nullptr) current_->addresses = &dump_[current_->name];
+  return *current_->addresses;
 }
 
 // Aliases come in the order in which they were made, which is mostly that of their numbers: the
 // place of each is mostly right behind the one before.
-void AddressCollector::addIPv4(InterfaceAddresses& addresses, std::string_view label,
-                               AddressRecord record) {
+void AddressCollector::addIPv4(std::string_view label, AddressRecord record) {
   const std::size_t colon = label.find(':');
   if (colon == std::string_view::npos) {
-    addresses.primaryIPv4.push_back(std::move(record));
+    entry().primaryIPv4.push_back(std::move(record));
     return;
   }
-  AliasMap& aliases = addresses.aliases;
-  const auto place = lastAlias_ ? std::next(*lastAlias_) : aliases.end();
-  lastAlias_ = aliases.try_emplace(place, std::string(label.substr(colon + 1)), std::move(record));
-}
-
-// Messages of one interface follow one another, and a name costs three system calls.
-const std::string& AddressCollector::interfaceName(unsigned index) {
-  if (lastIndex_ != index) {
-    lastName_ = interfaceNamer_(index);
-    lastIndex_ = index;
-    lastAlias_.reset();
-  }
-  return lastName_;
+  AliasMap& aliases = entry().aliases;
+  std::optional<AliasMap::iterator>& last = current_->lastAlias;
+  last = aliases.try_emplace(last ? std::next(*last) : aliases.end(),
+                             std::string(label.substr(colon + 1)), std::move(record));
 }
 
 }  // namespace addrtool

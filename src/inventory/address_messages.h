@@ -42,16 +42,23 @@ class AddressCollector {
   void collect(std::span<const std::byte> datagram);
 
  private:
+  /// The interface of the last message, and where its addresses go.
+  struct Interface {
+    unsigned index;
+    std::string name;
+    InterfaceAddresses* addresses = nullptr;  // not before one is accepted
+    std::optional<AliasMap::iterator> lastAlias = std::nullopt;
+  };
+
   void collectMessage(std::span<const std::byte> message);
-  void addIPv4(InterfaceAddresses& addresses, std::string_view label, AddressRecord record);
-  const std::string& interfaceName(unsigned index);
+  void turnTo(unsigned index);
+  InterfaceAddresses& entry();
+  void addIPv4(std::string_view label, AddressRecord record);
 
   AddressDump& dump_;
   bool includeHostScope_;
   InterfaceNamer interfaceNamer_;
-  std::optional<unsigned> lastIndex_;
-  std::string lastName_;
-  std::optional<AliasMap::iterator> lastAlias_;  // of that interface
+  std::optional<Interface> current_;
 };
 
 }  // namespace addrtool

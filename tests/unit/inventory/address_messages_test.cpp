@@ -344,6 +344,7 @@ TEST(AddressMessages, TheOrderInWhichAliasesComeMakesNoDifference) {
   int orders = 0;
   do {
     std::vector<AddressMessage> messages;
+    messages.reserve(suffixes.size());
     for (const std::string& suffix : suffixes) {
       messages.push_back(ipv4(expected.at(suffix).address, "eth0:" + suffix));
     }
