@@ -19,11 +19,11 @@ struct Attributes {
   mode_t mode = 0644;
 };
 
-int readAttributes(const char* path, Attributes& attributes) {
+bool readAttributes(const char* path, Attributes& attributes) {
   struct stat status {};
-  if (stat(path, &status) == -1) return -1;
+  if (stat(path, &status) == -1) return false;
   attributes = {status.st_uid, status.st_gid, status.st_mode};
-  return 0;
+  return true;
 }
 
 // The owner comes first, as a change of owner takes the set-id bits away. Neither result matters:
@@ -49,7 +49,7 @@ std::FILE* openTemporary(const char* path, TemporaryPath& temporary) {
 
 int replaceFile(const char* path, FileWriter writer, void* context, int mustExist) {
   Attributes attributes;
-  if (readAttributes(path, attributes) == -1 && mustExist != 0) return -1;
+  if (!readAttributes(path, attributes) && mustExist != 0) return -1;
 
   TemporaryPath temporary{};
   std::FILE* newFile = openTemporary(path, temporary);
