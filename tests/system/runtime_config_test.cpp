@@ -3,6 +3,7 @@
 #include "runtime/runtime_config.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -49,6 +50,17 @@ TEST(LoadRuntimeConfiguration, ReadsTheFileOnce) {
                          std::printf("%d\n", loadRuntimeConfiguration());
                        }),
             "0\n0\nfirst\n0\n");
+}
+
+TEST(LoadRuntimeConfiguration, AFailureGivesItsMemoryBack) {
+  fs::remove_all(config.parent_path());
+  EXPECT_EQ(runInChild([] {
+              static_cast<void>(loadRuntimeConfiguration());
+              const std::size_t before = mallinfo2().uordblks;
+              for (int i = 0; i < 1000; ++i) static_cast<void>(loadRuntimeConfiguration());
+              std::exit(mallinfo2().uordblks - before < 20000 ? 9 : 8);
+            }),
+            (Outcome{9, 0, "", ""}));
 }
 
 TEST(LoadRuntimeConfiguration, AMissingFileFailsSilently) {
