@@ -21,11 +21,11 @@ void addAddress(const std::string& interface, const std::string& address,
     addIPv4Address(interface, {address, netmaskToPrefix(netmaskOrPrefix)});
     return;
   }
-  std::uint16_t prefixLength = 0;
-  if (parseUnsigned16(netmaskOrPrefix.c_str(), &prefixLength) != 0) {
+  AddressRecord record{address};
+  if (parseUnsigned16(netmaskOrPrefix.c_str(), &record.prefixLength) != 0) {
     throw std::runtime_error(netmaskOrPrefix + ": cannot convert to int");
   }
-  addIPv6Address(interface, {address, prefixLength});
+  addIPv6Address(interface, record);
 }
 
 void addIPv4Address(const std::string& interface, const AddressRecord& record) {

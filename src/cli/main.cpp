@@ -65,7 +65,7 @@ Request parseOptions(int argc, char** argv) {
       {"main", no_argument, nullptr, 'm'},
       {"help", no_argument, nullptr, 'h'},
       {"qv-assigned-ip", required_argument, nullptr, 'v'},
-      {nullptr, 0, nullptr, 0},
+      {},  // a row of zeros ends the table
   }};
   Request request;
   int letter = 0;

@@ -25,8 +25,8 @@ std::uint16_t netmaskToPrefix(const std::string& netmask) {
   if (inet_pton(AF_INET, netmask.c_str(), &mask) != 1) {
     throw std::runtime_error(netmask + ": cannot convert to netmask");
   }
-  const std::uint32_t bits = ntohl(mask.s_addr);
-  return bits == 0 ? std::uint16_t{0} : static_cast<std::uint16_t>(32 - std::countr_zero(bits));
+  // All 32 bits of 0.0.0.0 are trailing zeros, which makes it 0.
+  return static_cast<std::uint16_t>(32 - std::countr_zero(ntohl(mask.s_addr)));
 }
 
 bool isSameIPv6Address(const std::string& one, const std::string& other) {

@@ -37,7 +37,7 @@ void applyAttributes(const char* path, const Attributes& attributes) {
 // descriptor that cannot become a stream is given up together with its file.
 std::FILE* openTemporary(const char* path, TemporaryPath& temporary) {
   const int length = std::snprintf(temporary.data(), temporary.size(), "%s.XXXXXX", path);
-  if (length < 0 || static_cast<std::size_t>(length) >= temporary.size()) {
+  if (static_cast<std::size_t>(length) >= temporary.size()) {  // as any negative length is
     errno = ENAMETOOLONG;
     return nullptr;
   }
