@@ -87,6 +87,7 @@ TEST(CommandLine, ARepeatedOptionIsDoneAgain) {
 
 TEST(CommandLine, TheUsageTextEndsWhatWasAskedForBehindIt) {
   EXPECT_EQ(addrtool({"-l", "-h"}), (Outcome{2, 0, freshMachine, usageText}));
+  EXPECT_EQ(addrtool({"-l", "--help"}), (Outcome{2, 0, freshMachine, usageText}));
   EXPECT_EQ(addrtool({"-l", "-h", "-l", "-h"}), (Outcome{2, 0, freshMachine, usageText}));
   EXPECT_EQ(addrtool({"-h", "-l"}), (Outcome{2, 0, "", usageText}));
   EXPECT_EQ(addrtool({"-d", "192.0.2.1", "-h"}), (Outcome{2, 0, "", usageText}));

@@ -35,6 +35,7 @@ TEST(NetmaskToPrefix, GivesTheLengthOfADottedMask) {
 TEST(NetmaskToPrefix, TakesMasksWithGapsByTheirLowestBit) {
   EXPECT_EQ(netmaskToPrefix("255.0.255.0"), 24);
   EXPECT_EQ(netmaskToPrefix("0.0.0.255"), 32);
+  EXPECT_EQ(netmaskToPrefix("0.0.0.1"), 32);
   EXPECT_EQ(netmaskToPrefix("0.0.128.0"), 17);
 }
 
