@@ -61,7 +61,8 @@ std::string lowestFreeAliasNumber(const AliasMap& aliases) {
   }
   std::uint16_t lowest = 1;
   while (lowest != 0 && taken.test(lowest)) ++lowest;
-  return lowest == 0 ? "" : std::to_string(lowest);  // 0: the counter has come round
+  if (lowest == 0) return "";  // the counter has come round
+  return std::to_string(lowest);
 }
 
 void bringUpAlias(const std::string& label, const AddressRecord& record) {

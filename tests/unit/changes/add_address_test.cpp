@@ -47,7 +47,9 @@ TEST(AliasNumber, IsBlockedOnlyByItsVeryText) {
 }
 
 TEST(AliasNumber, GoesUpToTheLastOf16Bits) {
-  EXPECT_EQ(lowestFreeAliasNumber(aliasesUpTo(65534)), "65535");
+  for (const unsigned taken : {9U, 99U, 999U, 9999U, 65534U}) {
+    EXPECT_EQ(lowestFreeAliasNumber(aliasesUpTo(taken)), std::to_string(taken + 1));
+  }
 }
 
 TEST(AliasNumber, IsEmptyWhenAllAreTaken) {
