@@ -46,6 +46,12 @@ std::FILE* __wrap_fdopen(int descriptor, const char* mode) {
   return fails(Call::Fdopen) ? nullptr : __real_fdopen(descriptor, mode);
 }
 
+int __real_fclose(std::FILE* stream);
+int __wrap_fclose(std::FILE* stream) {
+  const int result = __real_fclose(stream);
+  return fails(Call::Fclose) ? EOF : result;
+}
+
 int __real_chown(const char* path, uid_t user, gid_t group);
 int __wrap_chown(const char* path, uid_t user, gid_t group) {
   return fails(Call::Chown) ? -1 : __real_chown(path, user, group);

@@ -5,9 +5,10 @@
 namespace addrtool::testing {
 
 /// The functions that can be made to fail.
-enum class Call { Fdopen, Chown, Chmod };
+enum class Call { Fdopen, Fclose, Chown, Chmod };
 
-/// While it lives, every call of the function does nothing and fails with that error.
+/// While it lives, every call of the function does nothing and fails with that error; but fclose(3)
+/// closes its stream all the same, as the real one does.
 class FailingCall {
  public:
   FailingCall(Call call, int error);

@@ -291,6 +291,13 @@ TEST_F(ReplaceFile, AFailedChangeOfOwnerStillSetsTheMode) {
   EXPECT_EQ(modeOf(target), 0751U);
 }
 
+TEST_F(ReplaceFile, AFailureToCloseHidesNoOther) {
+  makeSocket(target);
+  const FailingCall failing(Call::Fclose, ENOSPC);
+  EXPECT_EQ(replace(target, script, 1), -1);
+  EXPECT_EQ(errno, ENXIO);
+}
+
 TEST_F(ReplaceFile, AWriteErrorThatShowsAtCloseIsNotNoticed) {
   writeFile(target, "old\n");
   const testing::Outcome outcome = testing::runInChild([this] {

@@ -13,6 +13,7 @@
 
 #include "support/child_process.h"
 #include "support/failing_allocator.h"
+#include "support/failing_call.h"
 #include "support/files.h"
 #include "support/log_recorder.h"
 
@@ -260,6 +261,12 @@ TEST_F(ConfigFile, AFileThatCannotBeReadToItsEndFails) {
   EXPECT_EQ(errno, EIO);
   EXPECT_EQ(LogRecorder::take(),
             (Log{{12, "Unable to read configuration file: Input/output error"}}));
+}
+
+TEST_F(ConfigFile, AFailureToCloseHidesNoOther) {
+  const FailingCall failing(Call::Fclose, ENOSPC);
+  EXPECT_EQ(readPath(directory.path()), -1);
+  EXPECT_EQ(errno, EISDIR);
 }
 
 TEST_F(ConfigFile, TheTableIsSortedEvenWhereTheReadingFails) {
