@@ -1,9 +1,7 @@
-# The warnings that all code is compiled with. Whether a warning ends the build
-# is for the presets to say (CMAKE_COMPILE_WARNING_AS_ERROR), so that a newer
-# compiler never stops somebody who only wants the program.
-add_library(addrtool_warnings INTERFACE)
-
-target_compile_options(addrtool_warnings INTERFACE
+# Whether a warning ends the build is for the presets to say
+# (CMAKE_COMPILE_WARNING_AS_ERROR), so that a newer compiler never stops somebody
+# who only wants the program.
+target_compile_options(addrtool_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
   -Wold-style-cast -Wcast-qual -Wcast-align -Wformat=2 -Wnull-dereference
   -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi -Wundef

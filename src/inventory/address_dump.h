@@ -15,9 +15,9 @@ using AliasMap = std::map<std::string, AddressRecord>;
 
 /// What one interface carries.
 struct InterfaceAddresses {
-  AliasMap aliases;                        ///< IPv4 addresses whose label has a colon
-  std::vector<AddressRecord> primaryIPv4;  ///< plainly labelled ones, in the kernel's order
-  std::vector<AddressRecord> ipv6;         ///< in the kernel's order
+  AliasMap aliases = {};                        ///< IPv4 addresses whose label has a colon
+  std::vector<AddressRecord> primaryIPv4 = {};  ///< plainly labelled ones, in the kernel's order
+  std::vector<AddressRecord> ipv6 = {};         ///< in the kernel's order
 
   bool operator==(const InterfaceAddresses&) const = default;
 };
