@@ -1,0 +1,49 @@
+# shellcheck shell=bash
+#
+# What the bash scripts of this folder share. Each sources this file first, after
+# it has put its own canonical path into $script. The path may have blanks.
+#
+#   $root                    the top folder of the sources
+#   usage                    prints the comment at the top of the script
+#   fail TEXT                reports TEXT and exits with status 1
+#   refuse TEXT              reports wrong use and exits with status 2
+#   answer_help WORD ...     if the first WORD asks for help, prints it and exits
+#   take_no_more WORD ...    refuses the first WORD, if there is one
+#   run_logged NAME COMMAND ...
+#                            runs COMMAND in $root; its output goes to
+#                            build/NAME.log, and is shown only if it fails
+#
+: "${script:?}"
+root=${script%/*/*}
+readonly script root
+
+usage() { sed -n '3,$ { /^#/!q; s/^#\( \|$\)//p }' "$script"; }
+
+report() { printf 'scripts/%s: %s\n' "${script##*/}" "$1" >&2; }
+
+fail() {
+  report "$1"
+  exit 1
+}
+
+refuse() {
+  report "$1 (see scripts/${script##*/} --help)"
+  exit 2
+}
+
+answer_help() {
+  case ${1-} in
+  -h | --help) usage && exit ;;
+  esac
+}
+
+take_no_more() { (($# == 0)) || refuse "unknown word: $1"; }
+
+run_logged() {
+  local log=$root/build/$1.log
+  mkdir -p "$root/build"
+  (cd -- "$root" && "${@:2}") >"$log" 2>&1 || {
+    cat "$log" >&2
+    exit 1
+  }
+}
