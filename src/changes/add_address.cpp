@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "changes/run_ifconfig.h"
+#include "changes/ifconfig.h"
 #include "inventory/kernel_addresses.h"
 #include "persist/alias_file.h"
 #include "persist/ipv6_list.h"
@@ -43,7 +43,7 @@ void addIPv4Address(const std::string& interface, const AddressRecord& record) {
 }
 
 void addIPv6Address(const std::string& interface, const AddressRecord& record) {
-  runIfconfig(interface + " add " + formatIPv6Entry(record));
+  addIPv6ToRunningInterface(interface, record);
   addIPv6ToInterfaceFile({interface, record});
 }
 
@@ -63,11 +63,6 @@ std::string lowestFreeAliasNumber(const AliasMap& aliases) {
   while (lowest != 0 && taken.test(lowest)) ++lowest;
   if (lowest == 0) return "";  // the counter has come round
   return std::to_string(lowest);
-}
-
-void bringUpAlias(const std::string& label, const AddressRecord& record) {
-  runIfconfig("'" + label + "' '" + record.address + "' netmask  '" + prefixToNetmask(record) +
-              "' up");
 }
 
 }  // namespace addrtool

@@ -33,8 +33,4 @@ void addIPv6Address(const std::string& interface, const AddressRecord& record);
 /// taken. Keys that are no numbers block none.
 std::string lowestFreeAliasNumber(const AliasMap& aliases);
 
-/// Brings an alias up on the running system: its label, address and netmask, in the one form in
-/// which adding and restoring do it. Raises what runIfconfig raises.
-void bringUpAlias(const std::string& label, const AddressRecord& record);
-
 }  // namespace addrtool

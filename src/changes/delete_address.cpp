@@ -1,12 +1,12 @@
 #include "changes/delete_address.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <stdexcept>
 #include <vector>
 
-#include "changes/add_address.h"
-#include "changes/run_ifconfig.h"
+#include "changes/ifconfig.h"
 #include "inventory/kernel_addresses.h"
 #include "persist/alias_file.h"
 #include "persist/ipv6_list.h"
@@ -14,22 +14,18 @@
 namespace addrtool {
 namespace {
 
-// What the removals from the files are handed; they look at the address text alone.
-AddressRecord removalRecord(const std::string& address) {
-  return {address, 32};
-}
-
 void deleteAlias(const std::string& interface, const AliasMap& aliases, const std::string& suffix) {
   const std::string label = interface + ':' + suffix;
-  runIfconfig("'" + label + "' down");
+  takeDownAlias(label);
   removeAliasFile(label);
   restoreAliases(interface, aliases, suffix);
 }
 
-void deleteFromInterface(const std::string& interface, const AddressRecord& record,
-                         const std::string& addressAsTyped) {
-  runIfconfig(interface + " del " + formatIPv6Entry(record));
-  removeIPv6FromInterfaceFile({interface, removalRecord(addressAsTyped)});
+void deleteIPv6FromInterface(const std::string& interface, const AddressRecord& record,
+                             const std::string& addressAsTyped) {
+  constexpr std::uint16_t ignoredLength = 32;  // the removal only uses the address text
+  removeIPv6FromRunningInterface(interface, record);
+  removeIPv6FromInterfaceFile({interface, {addressAsTyped, ignoredLength}});
 }
 
 }  // namespace
@@ -67,7 +63,7 @@ void deleteIPv6Address(const std::string& address) {
     if (addresses.ipv6.size() == 1) {
       throw std::runtime_error(address + ": cannot remove last address from " + interface);
     }
-    return deleteFromInterface(interface, *found, address);
+    return deleteIPv6FromInterface(interface, *found, address);
   }
   throw std::runtime_error(address + ": not configured");
 }

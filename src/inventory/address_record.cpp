@@ -9,10 +9,15 @@
 #include <stdexcept>
 
 namespace addrtool {
+namespace {
+
+constexpr unsigned ipv4Bits = 32;
+
+}  // namespace
 
 std::string prefixToNetmask(const AddressRecord& record) {
-  // The shift count wraps at 32, so a prefix length of 0 leaves every bit set.
-  const std::uint32_t shift = (32U - record.prefixLength) % 32U;
+  // The shift count wraps, so a prefix length of 0 leaves every bit set.
+  const std::uint32_t shift = (ipv4Bits - record.prefixLength) % ipv4Bits;
   const in_addr mask{htonl(~std::uint32_t{0} << shift)};
 
   std::array<char, INET_ADDRSTRLEN> text{};
@@ -25,8 +30,13 @@ std::uint16_t netmaskToPrefix(const std::string& netmask) {
   if (inet_pton(AF_INET, netmask.c_str(), &mask) != 1) {
     throw std::runtime_error(netmask + ": cannot convert to netmask");
   }
-  // All 32 bits of 0.0.0.0 are trailing zeros, which makes it 0.
-  return static_cast<std::uint16_t>(32 - std::countr_zero(ntohl(mask.s_addr)));
+  // All bits of 0.0.0.0 are trailing zeros, which gives 0.
+  const auto trailingZeros = static_cast<unsigned>(std::countr_zero(ntohl(mask.s_addr)));
+  return static_cast<std::uint16_t>(ipv4Bits - trailingZeros);
+}
+
+std::string formatIPv6Entry(const AddressRecord& record) {
+  return record.address + '/' + std::to_string(record.prefixLength);
 }
 
 bool isSameIPv6Address(const std::string& one, const std::string& other) {

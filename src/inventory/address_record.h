@@ -27,6 +27,10 @@ std::string prefixToNetmask(const AddressRecord& record);
 /// a text that inet_pton(3) does not take as an IPv4 address.
 std::uint16_t netmaskToPrefix(const std::string& netmask);
 
+/// The IPv6 address with its prefix length, as commands and configuration files write it:
+/// "2001:db8::5/64".
+std::string formatIPv6Entry(const AddressRecord& record);
+
 /// Whether two texts are the same IPv6 address, however it is written: both convert with
 /// inet_pton(3) to the same 16 bytes. A text that does not convert is equal to nothing.
 bool isSameIPv6Address(const std::string& one, const std::string& other);

@@ -29,9 +29,8 @@ constexpr std::size_t longestPiece = 8095;
 // Zero bytes are bytes like any other. False at the end of the file and on an error.
 bool readLine(std::FILE* file, std::string& line) {
   line.clear();
-  while (line.size() < longestPiece && !line.ends_with('\n')) {
-    const int byte = getc_unlocked(file);
-    if (byte == EOF) break;
+  int byte = 0;
+  while (line.size() < longestPiece && byte != '\n' && (byte = getc_unlocked(file)) != EOF) {
     line.push_back(static_cast<char>(byte));
   }
   return !line.empty() && std::ferror(file) == 0;
@@ -64,7 +63,7 @@ std::string primaryAddress(const std::string& line) {
 }
 
 // The text only grows: a second list in the file repeats what the first one became.
-int addAddress(std::FILE* oldFile, std::FILE* newFile, const AddressRecord& added) {
+int addToList(std::FILE* oldFile, std::FILE* newFile, const AddressRecord& added) {
   std::string list = listStart + formatIPv6Entry(added);
   bool isWritten = false;
   for (std::string line; readLine(oldFile, line);) {
@@ -116,7 +115,7 @@ std::string promoteFirst(std::vector<AddressRecord>& secondaries, const std::str
   return line;
 }
 
-int removeAddress(std::FILE* oldFile, std::FILE* newFile, const AddressRecord& removed) {
+int removeFromList(std::FILE* oldFile, std::FILE* newFile, const AddressRecord& removed) {
   const std::vector<std::string> lines = readLines(oldFile);
   if (std::ferror(oldFile) != 0) return -1;
 
@@ -169,16 +168,12 @@ void parseIPv6List(const std::string& line, std::vector<AddressRecord>& entries)
   }
 }
 
-std::string formatIPv6Entry(const AddressRecord& entry) {
-  return entry.address + '/' + std::to_string(entry.prefixLength);
-}
-
 int copyWithIPv6(std::FILE* oldFile, std::FILE* newFile, void* context) {
-  return runEdit(addAddress, oldFile, newFile, context);
+  return runEdit(addToList, oldFile, newFile, context);
 }
 
 int copyWithoutIPv6(std::FILE* oldFile, std::FILE* newFile, void* context) {
-  return runEdit(removeAddress, oldFile, newFile, context);
+  return runEdit(removeFromList, oldFile, newFile, context);
 }
 
 void addIPv6ToInterfaceFile(LabelledAddress added) {

@@ -20,9 +20,6 @@ namespace addrtool {
 /// ": cannot parse IPv6 address", for one without exactly one slash; those before it are appended.
 void parseIPv6List(const std::string& line, std::vector<AddressRecord>& entries);
 
-/// The entry as it stands in a list: "2001:db8::5/64".
-std::string formatIPv6Entry(const AddressRecord& entry);
-
 /// Puts the address in front of the list in the file of the interface that the label names.
 /// IPV6ADDR is not looked at, nor whether the address is listed already. Any key that begins with
 /// IPV6ADDR_SECONDARIES is taken for the list, and a second list repeats what the first became. A

@@ -1,4 +1,4 @@
-#include "changes/run_ifconfig.h"
+#include "changes/ifconfig.h"
 
 #include <sys/wait.h>
 
@@ -19,6 +19,23 @@ void runIfconfig(const std::string& arguments) {
     throw std::runtime_error(commandLine + " exited with non-zero status " +
                              std::to_string(WEXITSTATUS(status)));
   }
+}
+
+void bringUpAlias(const std::string& label, const AddressRecord& record) {
+  runIfconfig("'" + label + "' '" + record.address + "' netmask  '" + prefixToNetmask(record) +
+              "' up");
+}
+
+void takeDownAlias(const std::string& label) {
+  runIfconfig("'" + label + "' down");
+}
+
+void addIPv6ToRunningInterface(const std::string& interface, const AddressRecord& record) {
+  runIfconfig(interface + " add " + formatIPv6Entry(record));
+}
+
+void removeIPv6FromRunningInterface(const std::string& interface, const AddressRecord& record) {
+  runIfconfig(interface + " del " + formatIPv6Entry(record));
 }
 
 }  // namespace addrtool

@@ -1,6 +1,6 @@
 // How commands reach /sbin/ifconfig and how their end is judged: a recording one takes its place
 // where it has to fail, the real one shows what the shell is handed.
-#include "changes/run_ifconfig.h"
+#include "changes/ifconfig.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
