@@ -2,6 +2,7 @@
 // into a message and an exit status. What the actions do is not known here.
 #include <getopt.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -24,16 +25,6 @@ namespace {
 using PlainAction = void (*)();
 using ArgumentAction = void (*)(const std::string& argument);
 
-constexpr std::array<std::pair<char, PlainAction>, 2> plainActionTable{{
-    {'l', listAddresses},
-    {'h', printUsage},
-}};
-
-constexpr std::array<std::pair<char, ArgumentAction>, 2> argumentActionTable{{
-    {'d', deleteAddress},
-    {'v', printContainerCheck},
-}};
-
 // What the command line asks for.
 struct Request {
   std::queue<PlainAction> plainActions;
@@ -45,41 +36,77 @@ struct Request {
   }
 };
 
-// Letters that match nothing (m of the ignored --main, ? of a bad option) are dropped: getopt has
-// complained already, and what else was asked for is still done.
-void queueOption(Request& request, int letter) {
-  for (const auto& [key, action] : plainActionTable) {
-    if (key == letter) request.plainActions.push(action);
-  }
-  for (const auto& [key, action] : argumentActionTable) {
-    if (key == letter) request.argumentActions.emplace(action, optarg);
-  }
-  if (letter == 'a') request.addInterface = optarg;
+template <PlainAction action>
+void queuePlain(Request& request) {
+  request.plainActions.push(action);
 }
 
+template <ArgumentAction action>
+void queueWithArgument(Request& request) {
+  request.argumentActions.emplace(action, optarg);
+}
+
+void setAddInterface(Request& request) {
+  request.addInterface = optarg;
+}
+
+void ignore(Request& /*request*/) {}
+
+struct Option {
+  const char* longName;
+  char letter;   // zero: there is only the long form
+  int argument;  // no_argument or required_argument
+  void (*apply)(Request& request);
+};
+
+// The one place that lists the options; the usage text describes them.
+constexpr auto options = std::to_array<Option>({
+    {"list", 'l', no_argument, queuePlain<listAddresses>},
+    {"add", 'a', required_argument, setAddInterface},
+    {"del", 'd', required_argument, queueWithArgument<deleteAddress>},
+    {"main", '\0', no_argument, ignore},
+    {"help", 'h', no_argument, queuePlain<printUsage>},
+    {"qv-assigned-ip", 'v', required_argument, queueWithArgument<printContainerCheck>},
+});
+
+constexpr auto longOptions = [] {
+  std::array<option, options.size() + 1> rows{};  // a row of zeros ends the table
+  std::ranges::transform(options, rows.begin(), [](const Option& known) {
+    return option{known.longName, known.argument, nullptr, known.letter};
+  });
+  return rows;
+}();
+
+constexpr auto shortOptions = [] {
+  std::array<char, 2 * options.size() + 1> text{};  // a letter and a colon each, and the NUL
+  auto* end = text.begin();
+  for (const Option& known : options) {
+    if (known.letter == '\0') continue;
+    *end++ = known.letter;
+    if (known.argument == required_argument) *end++ = ':';
+  }
+  return text;
+}();
+
 Request parseOptions(int argc, char** argv) {
-  static constexpr std::array<option, 7> longOptions{{
-      {"list", no_argument, nullptr, 'l'},
-      {"add", required_argument, nullptr, 'a'},
-      {"del", required_argument, nullptr, 'd'},
-      {"main", no_argument, nullptr, 'm'},
-      {"help", no_argument, nullptr, 'h'},
-      {"qv-assigned-ip", required_argument, nullptr, 'v'},
-      {},  // a row of zeros ends the table
-  }};
   Request request;
   int letter = 0;
-  while ((letter = getopt_long(argc, argv, "lhd:v:a:", longOptions.data(), nullptr)) != -1) {
-    queueOption(request, letter);
+  while ((letter = getopt_long(argc, argv, shortOptions.data(), longOptions.data(), nullptr)) !=
+         -1) {
+    // The ? of a bad option matches nothing: getopt has complained, and the rest is still done.
+    const auto* found = std::ranges::find(options, letter, &Option::letter);
+    if (found != options.end()) found->apply(request);
   }
   return request;
 }
 
-// An add takes two operands, the address and its netmask or prefix length; nothing else takes any.
+// Only an add takes operands: the address and its netmask or prefix length.
+constexpr int addOperands = 2;
+
 void checkOperands(const Request& request, int argc, char** argv) {
   if (request.addInterface.empty()) {
     checkLeftoverArguments(argc, optind, argv);
-  } else if (argc - optind != 2) {
+  } else if (argc - optind != addOperands) {
     printUsage();
   }
 }
@@ -98,21 +125,23 @@ void runActions(Request& request, char** operands) {
   }
 }
 
-}  // namespace
-}  // namespace addrtool
-
-int main(int argc, char** argv) {
-  using namespace addrtool;
+int run(int argc, char** argv) {
   Request request = parseOptions(argc, argv);
   if (request.isEmpty()) printUsage();
   checkOperands(request, argc, argv);
-  static_cast<void>(loadRuntimeConfiguration());  // no action needs a value of it
-  int status = exitDone;
+  static_cast<void>(loadRuntimeConfiguration());  // no action uses its values
   try {
     runActions(request, argv + optind);
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "%s\n", failure.what());
-    status = exitFailure;
+    return exitFailure;
   }
-  std::exit(status);
+  return exitDone;
+}
+
+}  // namespace
+}  // namespace addrtool
+
+int main(int argc, char** argv) {
+  std::exit(addrtool::run(argc, argv));
 }
