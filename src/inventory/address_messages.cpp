@@ -30,10 +30,12 @@ T readFront(Bytes bytes) {
   return value;
 }
 
-// The bytes behind an item of the given length and its padding to a multiple of 4; none when the
-// padding reaches past the end.
-Bytes behind(Bytes bytes, std::size_t length) {
-  const std::size_t padded = (length + 3) & ~std::size_t{3};
+// Drops an item of the given length and its padding from the front; everything when the padding
+// reaches past the end.
+Bytes dropItem(Bytes bytes, std::size_t length) {
+  constexpr std::size_t alignment = NLMSG_ALIGNTO;
+  static_assert(alignment == RTA_ALIGNTO);
+  const std::size_t padded = (length + alignment - 1) / alignment * alignment;
   return bytes.subspan(std::min(padded, bytes.size()));
 }
 
@@ -83,7 +85,7 @@ AddressAttributes readAttributes(Bytes bytes, std::size_t addressSize) {
     if (header.rta_type == IFA_ADDRESS && holdsAddress) found.address = payload.first(addressSize);
     if (header.rta_type == IFA_LOCAL && holdsAddress) found.local = payload.first(addressSize);
     if (header.rta_type == IFA_LABEL) found.label = textUpToNul(payload);
-    bytes = behind(bytes, header.rta_len);
+    bytes = dropItem(bytes, header.rta_len);
   }
   return found;
 }
@@ -129,7 +131,7 @@ void AddressCollector::collect(Bytes datagram) {
   while (holdsMessage(datagram)) {
     const std::size_t length = readFront<nlmsghdr>(datagram).nlmsg_len;
     collectMessage(datagram.first(length));
-    datagram = behind(datagram, length);
+    datagram = dropItem(datagram, length);
   }
 }
 
@@ -139,7 +141,7 @@ void AddressCollector::collectMessage(Bytes message) {
   const auto header = readFront<ifaddrmsg>(message.subspan(sizeof(nlmsghdr)));
   if (!isManaged(header, includeHostScope_)) return;
 
-  turnTo(header.ifa_index);
+  selectInterface(header.ifa_index);
   const bool isIPv4 = header.ifa_family == AF_INET;
   const auto attributes =
       readAttributes(message.subspan(headersSize), isIPv4 ? sizeof(in_addr) : sizeof(in6_addr));
@@ -151,16 +153,16 @@ void AddressCollector::collectMessage(Bytes message) {
   if (isIPv4) {
     addIPv4(attributes.label, std::move(record));
   } else if (record.address != "::2") {  // deliberately never managed
-    entry().ipv6.push_back(std::move(record));
+    currentAddresses().ipv6.push_back(std::move(record));
   }
 }
 
 // Messages of one interface follow one another, and a name costs three system calls.
-void AddressCollector::turnTo(unsigned index) {
+void AddressCollector::selectInterface(unsigned index) {
   if (!current_ || current_->index != index) current_ = {index, interfaceNamer_(index)};
 }
 
-InterfaceAddresses& AddressCollector::entry() {
+InterfaceAddresses& AddressCollector::currentAddresses() {
   if (current_->addresses == nullptr) current_->addresses = &dump_[current_->name];
   return *current_->addresses;
 }
@@ -170,10 +172,10 @@ InterfaceAddresses& AddressCollector::entry() {
 void AddressCollector::addIPv4(std::string_view label, AddressRecord record) {
   const std::size_t colon = label.find(':');
   if (colon == std::string_view::npos) {
-    entry().primaryIPv4.push_back(std::move(record));
+    currentAddresses().primaryIPv4.push_back(std::move(record));
     return;
   }
-  AliasMap& aliases = entry().aliases;
+  AliasMap& aliases = currentAddresses().aliases;
   std::optional<AliasMap::iterator>& last = current_->lastAlias;
   last = aliases.try_emplace(last ? std::next(*last) : aliases.end(),
                              std::string(label.substr(colon + 1)), std::move(record));

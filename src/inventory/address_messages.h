@@ -51,8 +51,8 @@ class AddressCollector {
   };
 
   void collectMessage(std::span<const std::byte> message);
-  void turnTo(unsigned index);
-  InterfaceAddresses& entry();
+  void selectInterface(unsigned index);
+  InterfaceAddresses& currentAddresses();
   void addIPv4(std::string_view label, AddressRecord record);
 
   AddressDump& dump_;

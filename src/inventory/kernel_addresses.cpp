@@ -19,7 +19,8 @@
 namespace addrtool {
 namespace {
 
-using Buffer = std::array<std::byte, 8192>;
+constexpr std::size_t longestDatagram = 8192;
+using Buffer = std::array<std::byte, longestDatagram>;
 
 struct AddressRequest {
   nlmsghdr header;

@@ -2,13 +2,15 @@
 // style: results are 0, or -1 with errno set; nothing here raises.
 #pragma once
 
+#include <syslog.h>
+
 #include <cstdint>
 
 namespace addrtool {
 
 /// What goes wrong while a file is read is logged at this priority: a warning of the user facility,
 /// so the console does not show it unless the threshold is raised above all plain levels.
-inline constexpr int fileReaderPriority = 12;
+inline constexpr int fileReaderPriority = LOG_USER | LOG_WARNING;
 
 struct ConfigEntry {
   char* name;   ///< owned

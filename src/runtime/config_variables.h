@@ -41,7 +41,8 @@ enum class ConfigVariable : unsigned char {
   MAX_POSSIBLE_KEL_CONF_VAR,
 };
 
-inline constexpr std::size_t configVariableCount = 30;
+inline constexpr std::size_t configVariableCount =
+    static_cast<std::size_t>(ConfigVariable::MAX_POSSIBLE_KEL_CONF_VAR) + 1;
 
 /// What is known of one variable. Every value is a text, also where it is a number.
 struct ConfigVariableInfo {

@@ -1,5 +1,7 @@
 #include "runtime/runtime_config.h"
 
+#include <syslog.h>
+
 #include <cstdlib>
 #include <cstring>
 
@@ -11,7 +13,6 @@ namespace addrtool {
 namespace {
 
 constexpr const char* configPath = "/etc/kel/kel.conf";
-constexpr int errorPriority = 3;
 
 RuntimeConfiguration* loaded = nullptr;
 std::array<const char*, configVariableCount> foundValues{};
@@ -26,7 +27,7 @@ int loadRuntimeConfiguration() {
   if (loaded != nullptr) return 0;
   auto* table = static_cast<RuntimeConfiguration*>(std::calloc(1, sizeof(RuntimeConfiguration)));
   if (table == nullptr) {
-    logMessage(errorPriority, "Not enough memory to allocate Vexa runtime configuration structure");
+    logMessage(LOG_ERR, "Not enough memory to allocate Vexa runtime configuration structure");
     return -1;
   }
   if (readConfigFile(configPath, table) != 0) {
@@ -59,8 +60,8 @@ const char* getConfigValueByName(const char* name) {
       return getConfigValueOrDefault(static_cast<ConfigVariable>(i));
     }
   }
-  logMessage(errorPriority, "variable '%s' was found neither in %s, nor in compile-time defaults",
-             name, configPath);
+  logMessage(LOG_ERR, "variable '%s' was found neither in %s, nor in compile-time defaults", name,
+             configPath);
   return nullptr;
 }
 
