@@ -25,6 +25,8 @@ import re
 import subprocess
 import sys
 
+import machine
+
 SCRIPTS = pathlib.Path("/etc/sysconfig/network-scripts")
 INTERFACE_FILE = SCRIPTS / "ifcfg-eth0"
 AT_ONCE = 8  # processes of a round
@@ -262,6 +264,7 @@ def main():
     parser.add_argument("--rounds", type=int, default=200, help="of each kind")
     parser.add_argument("--seed", type=int, default=1)
     options = parser.parse_args()
+    machine.require_sandbox()
 
     start_over(aliases=0, ipv6=0)
     stop, results = multiprocessing.Event(), multiprocessing.Queue()

@@ -23,6 +23,8 @@ import subprocess
 import sys
 import tempfile
 
+import machine
+
 SCRIPTS = pathlib.Path("/etc/sysconfig/network-scripts")
 ERRORS = ["EINTR", "EIO", "ENOMEM", "ENOSPC"]
 KILL = "KILL"
@@ -253,6 +255,7 @@ def main():
     parser.add_argument("--every", type=int, default=1, metavar="N",
                         help="try only each N-th fault of a scenario")
     every = parser.parse_args().every
+    machine.require_sandbox()
     results = [try_scenario(scenario, every) for scenario in SCENARIOS]
     tried, failed = (sum(column) for column in zip(*results))
     print(f"{tried} faults tried, {tried - failed} survived, {failed} not")

@@ -25,6 +25,8 @@ import subprocess
 import sys
 import time
 
+import machine
+
 SCRIPTS = pathlib.Path("/etc/sysconfig/network-scripts")
 DESCRIPTOR_LIMIT = 8  # three streams, and what an edit of a file has open at once
 BYTES_PER_ADDRESS = 512
@@ -251,6 +253,7 @@ def main():
     parser.add_argument("--by-addrtool-ipv6", type=int, default=200, metavar="N", help="of the IPv6")
     parser.add_argument("--valgrind", metavar="PROGRAM", help="a dynamically linked addrtool")
     options = parser.parse_args()
+    machine.require_sandbox()
     try_layout(["eth0"], options)
     try_layout([f"load{number}" for number in range(options.interfaces)], options)
     print(f"largest memory of a run {peak_kilobytes} kB, descriptors below {DESCRIPTOR_LIMIT}")

@@ -17,6 +17,9 @@ struct Outcome {
   bool operator==(const Outcome&) const = default;
 };
 
+/// Exit status 0 and no output.
+inline const Outcome silentSuccess{0, 0, "", ""};
+
 /// For readable failures.
 void PrintTo(const Outcome& outcome, std::ostream* stream);
 

@@ -1,9 +1,7 @@
-// Runs datagrams through an AddressCollector, each in heap memory of exactly its size, and prints
-// what came out.
+// Runs datagrams through an AddressCollector, each in heap memory of exactly its size.
 #pragma once
 
 #include <array>
-#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -11,24 +9,7 @@
 
 #include "inventory/address_messages.h"
 #include "support/netlink_bytes.h"
-
-namespace addrtool {
-
-inline void PrintTo(const AddressRecord& record, std::ostream* stream) {
-  *stream << record.address << '/' << record.prefixLength;
-}
-
-inline void PrintTo(const InterfaceAddresses& addresses, std::ostream* stream) {
-  for (const AddressRecord& record : addresses.primaryIPv4) {
-    PrintTo(record, &(*stream << " plain "));
-  }
-  for (const auto& [suffix, record] : addresses.aliases) {
-    PrintTo(record, &(*stream << " :" << suffix << ' '));
-  }
-  for (const AddressRecord& record : addresses.ipv6) PrintTo(record, &(*stream << ' '));
-}
-
-}  // namespace addrtool
+#include "support/printers.h"
 
 namespace addrtool::testing {
 

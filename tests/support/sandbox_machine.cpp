@@ -1,9 +1,12 @@
 #include "support/sandbox_machine.h"
 
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -49,11 +52,23 @@ NetworkFile readNetworkFile(const fs::path& path) {
           status.st_gid};
 }
 
-}  // namespace
+// Ends the process before its first test changes a real machine. Listing the tests is not a run.
+// Only the mounts of a sandbox have this procfs, and only its processes find themselves there.
+class RequireSandbox : public ::testing::Environment {
+  void SetUp() override {
+    if (fs::exists("/proc/.sandbox/proc/self")) return;
+    std::fputs(
+        "These tests change addresses and system files, so they run only in a sandbox:\n"
+        "  ADDRTOOL_BIN_DIR=build/dev scripts/sandbox build/dev/system_tests\n",
+        stderr);
+    std::exit(1);
+  }
+};
 
-void SandboxMachine::SetUp() {
-  ASSERT_TRUE(fs::exists("/proc/.sandbox")) << "this runs only in scripts/sandbox";
-}
+[[maybe_unused]] const auto* const requireSandbox =
+    ::testing::AddGlobalTestEnvironment(new RequireSandbox);
+
+}  // namespace
 
 fs::path interfaceFile(const std::string& label) {
   return networkScripts / ("ifcfg-" + label);
@@ -132,6 +147,12 @@ std::vector<Lines> recordedCommands() {
     for (std::string& word : command) std::getline(words, word, '\0');
   }
   return commands;
+}
+
+void expectRefused(const Lines& arguments, const std::string& message) {
+  const MachineState before;
+  EXPECT_EQ(runAddrtool(arguments), (Outcome{1, 0, "", message + '\n'}));
+  EXPECT_EQ(MachineState(), before);
 }
 
 CommandLines traceCommandLines(const Lines& arguments) {

@@ -1,8 +1,7 @@
 // The machine of scripts/sandbox: its addresses, its network scripts, its /sbin/ifconfig, and the
-// program run on it. Changes are made to it without a second thought, so never outside of one.
+// program run on it. A test program with this file refuses to run its tests anywhere else.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <sys/types.h>
 
 #include <filesystem>
@@ -14,12 +13,6 @@
 #include "support/child_process.h"
 
 namespace addrtool::testing {
-
-/// For tests that change the machine: they fail at once where it is a real one.
-class SandboxMachine : public ::testing::Test {
- protected:
-  void SetUp() override;
-};
 
 using Lines = std::vector<std::string>;
 
@@ -37,8 +30,16 @@ void addAlias(const std::string& label, const std::string& addressAndLength);
 /// Makes a second interface with these addresses, "10.0.0.1/24", and an interface file.
 void addInterface(const std::string& name, const Lines& addresses);
 
+/// What the program lists on a machine that nobody has changed.
+inline const std::string freshListing =
+    "192.0.2.1 255.255.255.0 eth0 1\n"
+    "2001:db8::1 64 eth0 0\n";
+
 /// Runs the program.
 Outcome runAddrtool(const Lines& arguments);
+
+/// That the program fails with this message, which is all it prints, and changes nothing.
+void expectRefused(const Lines& arguments, const std::string& message);
 
 /// The global addresses by `ip`, sorted: "eth0:1 192.0.2.10/24", "eth0 2001:db8::1/64".
 Lines kernelAddresses();

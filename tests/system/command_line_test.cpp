@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "support/child_process.h"
+#include "support/sandbox_machine.h"
 
 namespace addrtool::testing {
 namespace {
@@ -20,26 +21,17 @@ const std::string usageText =
     "  -v,  --qv-assigned-ip <ipaddress>            determine if <ipaddress> was assigned to this "
     "VE\n";
 
-const std::string freshMachine =
-    "192.0.2.1 255.255.255.0 eth0 1\n"
-    "2001:db8::1 64 eth0 0\n";
-
-Outcome addrtool(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), "addrtool");
-  return runCommand(arguments);
-}
-
 TEST(CommandLine, NothingAskedForPrintsTheUsageText) {
   const std::vector<std::vector<std::string>> table{
       {}, {"--main"}, {"--main", "--main"}, {"operand"}, {"--"}, {"-a", ""}, {"--add="}};
   for (const auto& arguments : table) {
-    EXPECT_EQ(addrtool(arguments), (Outcome{2, 0, "", usageText}));
+    EXPECT_EQ(runAddrtool(arguments), (Outcome{2, 0, "", usageText}));
   }
 }
 
 TEST(CommandLine, HelpPrintsTheUsageText) {
-  EXPECT_EQ(addrtool({"-h"}), (Outcome{2, 0, "", usageText}));
-  EXPECT_EQ(addrtool({"--help"}), (Outcome{2, 0, "", usageText}));
+  EXPECT_EQ(runAddrtool({"-h"}), (Outcome{2, 0, "", usageText}));
+  EXPECT_EQ(runAddrtool({"--help"}), (Outcome{2, 0, "", usageText}));
 }
 
 TEST(CommandLine, BadOptionsAloneAreComplainedOfAndPrintTheUsageText) {
@@ -56,15 +48,15 @@ TEST(CommandLine, BadOptionsAloneAreComplainedOfAndPrintTheUsageText) {
       {{"--qv-assigned-ip"}, "addrtool: option '--qv-assigned-ip' requires an argument\n"},
       {{"--main", "--add"}, "addrtool: option '--add' requires an argument\n"}};
   for (const auto& [arguments, complaint] : table) {
-    EXPECT_EQ(addrtool(arguments), (Outcome{2, 0, "", complaint + usageText}));
+    EXPECT_EQ(runAddrtool(arguments), (Outcome{2, 0, "", complaint + usageText}));
   }
 }
 
 TEST(CommandLine, WhatElseWasAskedForIsDoneInSpiteOfABadOption) {
-  EXPECT_EQ(addrtool({"-x", "-l"}),
-            (Outcome{0, 0, freshMachine, "addrtool: invalid option -- 'x'\n"}));
-  EXPECT_EQ(addrtool({"-l", "-d"}),
-            (Outcome{0, 0, freshMachine, "addrtool: option requires an argument -- 'd'\n"}));
+  EXPECT_EQ(runAddrtool({"-x", "-l"}),
+            (Outcome{0, 0, freshListing, "addrtool: invalid option -- 'x'\n"}));
+  EXPECT_EQ(runAddrtool({"-l", "-d"}),
+            (Outcome{0, 0, freshListing, "addrtool: option requires an argument -- 'd'\n"}));
 }
 
 TEST(CommandLine, ListIsAskedForInEverySpelling) {
@@ -76,21 +68,21 @@ TEST(CommandLine, ListIsAskedForInEverySpelling) {
                                                     {"-l", "-a", ""},
                                                     {"-a", "eth0", "-l", "-a", ""}};
   for (const auto& arguments : table) {
-    EXPECT_EQ(addrtool(arguments), (Outcome{0, 0, freshMachine, ""})) << arguments.back();
+    EXPECT_EQ(runAddrtool(arguments), (Outcome{0, 0, freshListing, ""})) << arguments.back();
   }
 }
 
 TEST(CommandLine, ARepeatedOptionIsDoneAgain) {
-  EXPECT_EQ(addrtool({"-l", "-l"}), (Outcome{0, 0, freshMachine + freshMachine, ""}));
-  EXPECT_EQ(addrtool({"-lll"}), (Outcome{0, 0, freshMachine + freshMachine + freshMachine, ""}));
+  EXPECT_EQ(runAddrtool({"-l", "-l"}), (Outcome{0, 0, freshListing + freshListing, ""}));
+  EXPECT_EQ(runAddrtool({"-lll"}), (Outcome{0, 0, freshListing + freshListing + freshListing, ""}));
 }
 
 TEST(CommandLine, TheUsageTextEndsWhatWasAskedForBehindIt) {
-  EXPECT_EQ(addrtool({"-l", "-h"}), (Outcome{2, 0, freshMachine, usageText}));
-  EXPECT_EQ(addrtool({"-l", "--help"}), (Outcome{2, 0, freshMachine, usageText}));
-  EXPECT_EQ(addrtool({"-l", "-h", "-l", "-h"}), (Outcome{2, 0, freshMachine, usageText}));
-  EXPECT_EQ(addrtool({"-h", "-l"}), (Outcome{2, 0, "", usageText}));
-  EXPECT_EQ(addrtool({"-d", "192.0.2.1", "-h"}), (Outcome{2, 0, "", usageText}));
+  EXPECT_EQ(runAddrtool({"-l", "-h"}), (Outcome{2, 0, freshListing, usageText}));
+  EXPECT_EQ(runAddrtool({"-l", "--help"}), (Outcome{2, 0, freshListing, usageText}));
+  EXPECT_EQ(runAddrtool({"-l", "-h", "-l", "-h"}), (Outcome{2, 0, freshListing, usageText}));
+  EXPECT_EQ(runAddrtool({"-h", "-l"}), (Outcome{2, 0, "", usageText}));
+  EXPECT_EQ(runAddrtool({"-d", "192.0.2.1", "-h"}), (Outcome{2, 0, "", usageText}));
 }
 
 TEST(CommandLine, AnAddWithoutItsTwoOperandsPrintsTheUsageText) {
@@ -102,15 +94,16 @@ TEST(CommandLine, AnAddWithoutItsTwoOperandsPrintsTheUsageText) {
       {"more", "--add", "eth0", "192.0.2.5", "-l", "255.255.255.0"},
       {"-l", "-a", "eth0", "192.0.2.5"}};
   for (const auto& arguments : table) {
-    EXPECT_EQ(addrtool(arguments), (Outcome{2, 0, "", usageText})) << arguments.size() << " words";
+    EXPECT_EQ(runAddrtool(arguments), (Outcome{2, 0, "", usageText}))
+        << arguments.size() << " words";
   }
-  EXPECT_EQ(addrtool({"-l"}).out, freshMachine);
+  EXPECT_EQ(runAddrtool({"-l"}).out, freshListing);
 }
 
 TEST(CommandLine, OperandsMayStandBeforeOptions) {
-  EXPECT_EQ(addrtool({"192.0.2.50", "-a", "eth0", "255.255.255.0", "-l"}),
-            (Outcome{0, 0, freshMachine, ""}));
-  EXPECT_EQ(addrtool({"-l"}).out,
+  EXPECT_EQ(runAddrtool({"192.0.2.50", "-a", "eth0", "255.255.255.0", "-l"}),
+            (Outcome{0, 0, freshListing, ""}));
+  EXPECT_EQ(runAddrtool({"-l"}).out,
             "192.0.2.1 255.255.255.0 eth0 1\n"
             "192.0.2.50 255.255.255.0 eth0 0\n"
             "2001:db8::1 64 eth0 0\n");
@@ -118,14 +111,14 @@ TEST(CommandLine, OperandsMayStandBeforeOptions) {
 
 TEST(CommandLine, ActionsWithAnArgumentKeepTheirOrderWhateverTheyAre) {
   const std::string failure = "192.0.2.1: cannot delete main IP on interface\n";
-  EXPECT_EQ(addrtool({"-v", "10.0.0.1", "-d", "192.0.2.1", "-v", "10.0.0.2"}),
+  EXPECT_EQ(runAddrtool({"-v", "10.0.0.1", "-d", "192.0.2.1", "-v", "10.0.0.2"}),
             (Outcome{1, 0, "0", failure}));
-  EXPECT_EQ(addrtool({"-d", "192.0.2.1", "-v", "10.0.0.1"}), (Outcome{1, 0, "", failure}));
+  EXPECT_EQ(runAddrtool({"-d", "192.0.2.1", "-v", "10.0.0.1"}), (Outcome{1, 0, "", failure}));
 }
 
 TEST(CommandLine, AFailureIsReportedAfterWhatWasDoneBefore) {
-  EXPECT_EQ(addrtool({"-d", "192.0.2.1", "-l"}),
-            (Outcome{1, 0, freshMachine, "192.0.2.1: cannot delete main IP on interface\n"}));
+  EXPECT_EQ(runAddrtool({"-d", "192.0.2.1", "-l"}),
+            (Outcome{1, 0, freshListing, "192.0.2.1: cannot delete main IP on interface\n"}));
 }
 
 }  // namespace

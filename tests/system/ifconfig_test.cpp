@@ -5,13 +5,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "support/addresses.h"
 #include "support/child_process.h"
+#include "support/failure.h"
 #include "support/files.h"
 #include "support/sandbox_machine.h"
 #include "support/system_calls.h"
@@ -19,15 +19,8 @@
 namespace addrtool::testing {
 namespace {
 
-using RunIfconfig = SandboxMachine;
-
-std::string failureOf(const std::string& arguments) {
-  try {
-    runIfconfig(arguments);
-    return "";
-  } catch (const std::runtime_error& failure) {
-    return failure.what();
-  }
+std::string ifconfigFailure(const std::string& arguments) {
+  return failureOf([&arguments] { runIfconfig(arguments); });
 }
 
 // A shell may run the command in its own place or in a child; either way it is the process that
@@ -43,48 +36,48 @@ std::string lastLine(const std::string& text) {
   return lines.substr(lines.rfind('\n') + 1);
 }
 
-TEST_F(RunIfconfig, PassesTheArgumentsOnAsTheyAre) {
+TEST(RunIfconfig, PassesTheArgumentsOnAsTheyAre) {
   recordIfconfig();
-  EXPECT_EQ(failureOf("'eth0:1' '192.0.2.10' netmask  '255.255.255.0' up"), "");
-  EXPECT_EQ(failureOf("'a  b' \"c\" d\\ e 'f\ng' '' $((1+1))"), "");
+  EXPECT_EQ(ifconfigFailure("'eth0:1' '192.0.2.10' netmask  '255.255.255.0' up"), "");
+  EXPECT_EQ(ifconfigFailure("'a  b' \"c\" d\\ e 'f\ng' '' $((1+1))"), "");
   EXPECT_EQ(recordedCommands(),
             (std::vector<Lines>{
                 {"/sbin/ifconfig", "eth0:1", "192.0.2.10", "netmask", "255.255.255.0", "up"},
                 {"/sbin/ifconfig", "a  b", "c", "d e", "f\ng", "", "2"}}));
 }
 
-TEST_F(RunIfconfig, RunsWithoutArgumentsToo) {
+TEST(RunIfconfig, RunsWithoutArgumentsToo) {
   recordIfconfig("exit 3");
-  EXPECT_EQ(failureOf(""), "/sbin/ifconfig  exited with non-zero status 3");
+  EXPECT_EQ(ifconfigFailure(""), "/sbin/ifconfig  exited with non-zero status 3");
   EXPECT_EQ(recordedCommands(), std::vector<Lines>{{"/sbin/ifconfig"}});
 }
 
-TEST_F(RunIfconfig, NamesTheStatusOfAFailedCommand) {
+TEST(RunIfconfig, NamesTheStatusOfAFailedCommand) {
   recordIfconfig("exit $2");
   for (const char* status : {"1", "2", "10", "127", "128", "137", "255"}) {
     const std::string arguments = std::string("eth0 ") + status;
-    EXPECT_EQ(failureOf(arguments),
+    EXPECT_EQ(ifconfigFailure(arguments),
               "/sbin/ifconfig " + arguments + " exited with non-zero status " + status);
   }
 }
 
-TEST_F(RunIfconfig, TakesStatusZeroForSuccessWhateverIsPrinted) {
+TEST(RunIfconfig, TakesStatusZeroForSuccessWhateverIsPrinted) {
   recordIfconfig("echo some output; echo SIOCSIFADDR: No such device >&2");
   EXPECT_EQ(runInChild([] { runIfconfig("eth0"); }),
             (Outcome{0, 0, "some output\n", "SIOCSIFADDR: No such device\n"}));
 }
 
-class RunIfconfigSignal : public SandboxMachine, public ::testing::WithParamInterface<int> {};
+using RunIfconfigSignal = ::testing::TestWithParam<int>;
 
 TEST_P(RunIfconfigSignal, IsNamedWhenItEndedTheCommand) {
   recordIfconfig(killShell(GetParam()));
-  EXPECT_EQ(failureOf("eth0"),
+  EXPECT_EQ(ifconfigFailure("eth0"),
             "/sbin/ifconfig eth0 killed with signal " + std::to_string(GetParam()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Fatal, RunIfconfigSignal, ::testing::Values(1, 9, 15));
 
-TEST_F(RunIfconfig, ReportsAMissingCommandAsTheShellDoes) {
+TEST(RunIfconfig, ReportsAMissingCommandAsTheShellDoes) {
   const MachineState before;
   prepare("mount -t tmpfs none /sbin");
   const Outcome outcome = runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"});
@@ -98,7 +91,7 @@ TEST_F(RunIfconfig, ReportsAMissingCommandAsTheShellDoes) {
 
 // A caller that ignores SIGCHLD hands that on, and then no child can be waited for: a failed
 // system(3) is a failed command with status 255, even if the command did its work.
-TEST_F(RunIfconfig, CountsAFailureToWaitAsStatus255) {
+TEST(RunIfconfig, CountsAFailureToWaitAsStatus255) {
   const NetworkFiles filesBefore = networkFiles();
   const Outcome outcome = runCommand(
       {"env", "--ignore-signal=CHLD", "addrtool", "-a", "eth0", "192.0.2.10", "255.255.255.0"});
@@ -110,7 +103,7 @@ TEST_F(RunIfconfig, CountsAFailureToWaitAsStatus255) {
 
 // Where not even a shell can be started, glibc's system(3) says what a shell says that cannot
 // start the command.
-TEST_F(RunIfconfig, CountsAFailureToForkAsAFailedCommand) {
+TEST(RunIfconfig, CountsAFailureToForkAsAFailedCommand) {
   const MachineState before;
   const auto [outcome, calls] =
       traceCommand({"-e", "inject=clone,clone3,fork,vfork:error=EAGAIN"},
@@ -121,7 +114,7 @@ TEST_F(RunIfconfig, CountsAFailureToForkAsAFailedCommand) {
   EXPECT_EQ(MachineState(), before);
 }
 
-TEST_F(RunIfconfig, LetsTheCommandInheritTheStandardStreamsAlone) {
+TEST(RunIfconfig, LetsTheCommandInheritTheStandardStreamsAlone) {
   prepare("mkdir -p /etc/kel; echo PRODUCT_ROOT_D /opt >/etc/kel/kel.conf");
   addAlias("eth0:1", "198.51.100.1/24");
   addAlias("eth0:2", "198.51.100.2/24");
@@ -137,37 +130,37 @@ TEST_F(RunIfconfig, LetsTheCommandInheritTheStandardStreamsAlone) {
 
 // --- the command lines that the program makes --------------------------------
 
-TEST_F(RunIfconfig, GetsTheCommandLineOfAnIPv4Add) {
+TEST(RunIfconfig, GetsTheCommandLineOfAnIPv4Add) {
   addAlias("eth0:1", "192.0.2.8/24");
   addAlias("eth0:2", "192.0.2.9/24");
   const auto [outcome, commandLines] =
       traceCommandLines({"-a", "eth0", "192.0.2.10", "255.255.255.0"});
-  EXPECT_EQ(outcome, (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(outcome, silentSuccess);
   EXPECT_EQ(commandLines,
             Lines{"/sbin/ifconfig 'eth0:3' '192.0.2.10' netmask  '255.255.255.0' up"});
 }
 
-TEST_F(RunIfconfig, GetsTheCommandLineOfAnIPv6Add) {
+TEST(RunIfconfig, GetsTheCommandLineOfAnIPv6Add) {
   const auto [outcome, commandLines] = traceCommandLines({"-a", "eth0", "2001:DB8:0::5", "48"});
-  EXPECT_EQ(outcome, (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(outcome, silentSuccess);
   EXPECT_EQ(commandLines, Lines{"/sbin/ifconfig eth0 add 2001:DB8:0::5/48"});
 }
 
-TEST_F(RunIfconfig, GetsTheCommandLineOfAnIPv4Delete) {
+TEST(RunIfconfig, GetsTheCommandLineOfAnIPv4Delete) {
   addAlias("eth0:web:2", "192.0.2.10/24");
   const auto [outcome, commandLines] = traceCommandLines({"-d", "192.0.2.10"});
-  EXPECT_EQ(outcome, (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(outcome, silentSuccess);
   EXPECT_EQ(commandLines, Lines{"/sbin/ifconfig 'eth0:web:2' down"});
 }
 
-TEST_F(RunIfconfig, GetsTheKernelsTextInTheCommandLineOfAnIPv6Delete) {
+TEST(RunIfconfig, GetsTheKernelsTextInTheCommandLineOfAnIPv6Delete) {
   ip("address add 2001:db8::5/48 dev eth0");
   const auto [outcome, commandLines] = traceCommandLines({"-d", "2001:DB8:0::5"});
-  EXPECT_EQ(outcome, (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(outcome, silentSuccess);
   EXPECT_EQ(commandLines, Lines{"/sbin/ifconfig eth0 del 2001:db8::5/48"});
 }
 
-TEST_F(RunIfconfig, GetsPrefixLengthsThatAreOutOfRange) {
+TEST(RunIfconfig, GetsPrefixLengthsThatAreOutOfRange) {
   recordIfconfig("exit 1");
   for (const std::string length : {"0", "200", "65535"}) {
     EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::5", length}),
@@ -181,19 +174,18 @@ TEST_F(RunIfconfig, GetsPrefixLengthsThatAreOutOfRange) {
                                 {"/sbin/ifconfig", "eth0", "add", "2001:db8::5/65535"}}));
 }
 
-TEST_F(RunIfconfig, GetsIPv4OperandsInQuotes) {
+TEST(RunIfconfig, GetsIPv4OperandsInQuotes) {
   recordIfconfig();
-  EXPECT_EQ(runAddrtool({"-a", "eth0", "10.0.0.5; $(id) *", "255.255.255.0"}),
-            (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "10.0.0.5; $(id) *", "255.255.255.0"}), silentSuccess);
   EXPECT_EQ(recordedCommands(),
             (std::vector<Lines>{{"/sbin/ifconfig", "eth0:1", "10.0.0.5; $(id) *", "netmask",
                                  "255.255.255.0", "up"}}));
 }
 
 // The shell reads them as it reads anything: a caller has to be trusted.
-TEST_F(RunIfconfig, GetsIPv6OperandsWithoutQuotes) {
+TEST(RunIfconfig, GetsIPv6OperandsWithoutQuotes) {
   recordIfconfig();
-  EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::$((4+5))", "64"}), (Outcome{0, 0, "", ""}));
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::$((4+5))", "64"}), silentSuccess);
   EXPECT_EQ(recordedCommands(),
             (std::vector<Lines>{{"/sbin/ifconfig", "eth0", "add", "2001:db8::9/64"}}));
   EXPECT_EQ(valuesInShell("eth0", {"IPV6ADDR"}), Lines{"2001:db8::1/64"});

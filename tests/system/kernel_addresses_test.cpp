@@ -13,6 +13,7 @@
 #include "support/addresses.h"
 #include "support/child_process.h"
 #include "support/netlink_bytes.h"
+#include "support/sandbox_machine.h"
 #include "support/system_calls.h"
 
 namespace addrtool::testing {
@@ -21,10 +22,6 @@ namespace {
 using Calls = std::vector<std::string>;
 
 const std::string openSocket = "socket(AF_NETLINK, SOCK_DGRAM, NETLINK_ROUTE)";
-
-const std::string freshMachine =
-    "192.0.2.1 255.255.255.0 eth0 1\n"
-    "2001:db8::1 64 eth0 0\n";
 
 // Traces `addrtool --list`, with calls answered as the options say.
 Trace traceListing(const std::vector<std::string>& injections = {}) {
@@ -52,7 +49,7 @@ bool isSocketClosed(const Trace& trace) {
 
 TEST(KernelAddresses, TheSocketIsOpenedAskedReadAndClosed) {
   const Trace trace = traceListing();
-  EXPECT_EQ(trace.outcome, (Outcome{0, 0, freshMachine, ""}));
+  EXPECT_EQ(trace.outcome, (Outcome{0, 0, freshListing, ""}));
 
   const Calls calls = callsFrom(openSocket, trace);
   ASSERT_FALSE(calls.empty());
@@ -208,7 +205,7 @@ TEST(KernelAddresses, OnlyTheFirstMessageEndsTheDump) {
     const std::string reply = loopbackAddress + headerOnly(16, static_cast<std::uint16_t>(type));
     const Trace trace = traceListing({answer("recvfrom", 1, reply)});
     EXPECT_EQ(trace.outcome,
-              (Outcome{0, 0, freshMachine + "192.0.2.9 255.255.255.255 lo 1\n", ""}));
+              (Outcome{0, 0, freshListing + "192.0.2.9 255.255.255.255 lo 1\n", ""}));
   }
 }
 
@@ -222,7 +219,7 @@ TEST(KernelAddresses, SequenceAndSenderOfAReplyAreNotLookedAt) {
   std::string reply = headerOnly(16, NLMSG_DONE);
   reply.replace(8, 8, "sequence");
   EXPECT_EQ(traceListing({answer("recvfrom", 2, reply)}).outcome,
-            (Outcome{0, 0, freshMachine, ""}));
+            (Outcome{0, 0, freshListing, ""}));
 }
 
 }  // namespace

@@ -13,26 +13,13 @@
 namespace addrtool::testing {
 namespace {
 
-const Outcome silentSuccess{0, 0, "", ""};
-
-class RestoreAliases : public SandboxMachine {
- protected:
-  // Aliases 1 to 10 of eth0 in 198.51.100.0/24, with their files.
-  static void addTenAliases() {
-    for (int number = 1; number <= 10; ++number) {
-      ASSERT_EQ(
-          runAddrtool({"-a", "eth0", "198.51.100." + std::to_string(number), "255.255.255.0"}),
-          silentSuccess);
-    }
+// Aliases 1 to `count` of eth0 in 198.51.100.0/24, with their files.
+void addAliases(int count) {
+  for (int number = 1; number <= count; ++number) {
+    ASSERT_EQ(runAddrtool({"-a", "eth0", "198.51.100." + std::to_string(number), "255.255.255.0"}),
+              silentSuccess);
   }
-
-  // Two aliases, and a command that does only as the script says.
-  static void recordWithTwoAliases(const std::string& script) {
-    ASSERT_EQ(runAddrtool({"-a", "eth0", "198.51.100.1", "255.255.255.0"}), silentSuccess);
-    ASSERT_EQ(runAddrtool({"-a", "eth0", "198.51.100.2", "255.255.255.0"}), silentSuccess);
-    recordIfconfig(script);
-  }
-};
+}
 
 std::string upCommand(int number) {
   const std::string text = std::to_string(number);
@@ -44,8 +31,8 @@ Lines without(const std::string& line, Lines lines) {
   return lines;
 }
 
-TEST_F(RestoreAliases, BringsBackWhatVanishedWithTheFirstOfASubnet) {
-  addTenAliases();
+TEST(RestoreAliases, BringsBackWhatVanishedWithTheFirstOfASubnet) {
+  addAliases(10);
   MachineState expected;
   expected.addresses = without("eth0:1 198.51.100.1/24", expected.addresses);
   expected.files.erase("ifcfg-eth0:1");
@@ -53,8 +40,8 @@ TEST_F(RestoreAliases, BringsBackWhatVanishedWithTheFirstOfASubnet) {
   EXPECT_EQ(MachineState(), expected);
 }
 
-TEST_F(RestoreAliases, RunsOneCommandForEachInTextOrderOfTheSuffix) {
-  addTenAliases();
+TEST(RestoreAliases, RunsOneCommandForEachInTextOrderOfTheSuffix) {
+  addAliases(10);
   const auto [outcome, commandLines] = traceCommandLines({"-d", "198.51.100.1"});
   EXPECT_EQ(outcome, silentSuccess);
   Lines expected{"/sbin/ifconfig 'eth0:1' down", upCommand(10)};
@@ -62,14 +49,14 @@ TEST_F(RestoreAliases, RunsOneCommandForEachInTextOrderOfTheSuffix) {
   EXPECT_EQ(commandLines, expected);
 }
 
-TEST_F(RestoreAliases, RunsNothingWhenAllAreStillThere) {
-  addTenAliases();
+TEST(RestoreAliases, RunsNothingWhenAllAreStillThere) {
+  addAliases(10);
   const auto [outcome, commandLines] = traceCommandLines({"-d", "198.51.100.5"});
   EXPECT_EQ(outcome, silentSuccess);
   EXPECT_EQ(commandLines, Lines{"/sbin/ifconfig 'eth0:5' down"});
 }
 
-TEST_F(RestoreAliases, TouchesOnlyWhatVanishedAndWritesNoFile) {
+TEST(RestoreAliases, TouchesOnlyWhatVanishedAndWritesNoFile) {
   addAlias("eth0:1", "198.51.100.1/24");
   addAlias("eth0:2", "198.51.100.2/24");
   addAlias("eth0:3", "203.0.113.3/24");
@@ -87,14 +74,14 @@ TEST_F(RestoreAliases, TouchesOnlyWhatVanishedAndWritesNoFile) {
   EXPECT_EQ(networkFiles(), files);
 }
 
-TEST_F(RestoreAliases, KeepsEachPrefixLength) {
+TEST(RestoreAliases, KeepsEachPrefixLength) {
   addAlias("eth0:1", "10.0.0.1/30");
   addAlias("eth0:2", "10.0.0.2/30");
   EXPECT_EQ(runAddrtool({"-d", "10.0.0.1"}), silentSuccess);
   EXPECT_EQ(kernelAddresses().back(), "eth0:2 10.0.0.2/30");
 }
 
-TEST_F(RestoreAliases, WorksOnAnInterfaceThatHasLostAllItsAddresses) {
+TEST(RestoreAliases, WorksOnAnInterfaceThatHasLostAllItsAddresses) {
   addInterface("eth1", {});
   addAlias("eth1:1", "203.0.113.1/24");
   addAlias("eth1:2", "203.0.113.2/24");
@@ -104,7 +91,7 @@ TEST_F(RestoreAliases, WorksOnAnInterfaceThatHasLostAllItsAddresses) {
 }
 
 // Only aliases are brought back.
-TEST_F(RestoreAliases, LosesAMainAddressThatVanished) {
+TEST(RestoreAliases, LosesAMainAddressThatVanished) {
   addAlias("eth0:1", "198.51.100.1/24");
   ip("address add 198.51.100.2/24 dev eth0");
   addAlias("eth0:3", "198.51.100.3/24");
@@ -113,8 +100,9 @@ TEST_F(RestoreAliases, LosesAMainAddressThatVanished) {
             (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64", "eth0:3 198.51.100.3/24"}));
 }
 
-TEST_F(RestoreAliases, TakesALabelWithAnotherAddressForPresent) {
-  recordWithTwoAliases(
+TEST(RestoreAliases, TakesALabelWithAnotherAddressForPresent) {
+  addAliases(2);
+  recordIfconfig(
       "ip address del 198.51.100.1/24 dev eth0; "
       "ip address add 203.0.113.9/24 dev eth0 label eth0:2");
   EXPECT_EQ(runAddrtool({"-d", "198.51.100.1"}), silentSuccess);
@@ -122,16 +110,17 @@ TEST_F(RestoreAliases, TakesALabelWithAnotherAddressForPresent) {
 }
 
 // Nor does it come back itself when it is still there, or went without a trace.
-TEST_F(RestoreAliases, NeverBringsBackWhatWasDeleted) {
-  recordWithTwoAliases("ip address flush dev eth0 label 'eth0:*'; exit 0");
+TEST(RestoreAliases, NeverBringsBackWhatWasDeleted) {
+  addAliases(2);
+  recordIfconfig("ip address flush dev eth0 label 'eth0:*'; exit 0");
   EXPECT_EQ(runAddrtool({"-d", "198.51.100.2"}), silentSuccess);
   EXPECT_EQ(recordedCommands(), (std::vector<Lines>{{"/sbin/ifconfig", "eth0:2", "down"},
                                                     {"/sbin/ifconfig", "eth0:1", "198.51.100.1",
                                                      "netmask", "255.255.255.0", "up"}}));
 }
 
-TEST_F(RestoreAliases, StopsAtTheFirstFailure) {
-  addTenAliases();
+TEST(RestoreAliases, StopsAtTheFirstFailure) {
+  addAliases(10);
   NetworkFiles files = networkFiles();
   recordIfconfig("[ \"$2\" = down ] || exit 1; ip address del 198.51.100.1/24 dev eth0");
   EXPECT_EQ(runAddrtool({"-d", "198.51.100.1"}),
@@ -142,8 +131,8 @@ TEST_F(RestoreAliases, StopsAtTheFirstFailure) {
   EXPECT_EQ(kernelAddresses(), (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64"}));
 }
 
-TEST_F(RestoreAliases, PassesOnThatTheKernelCannotBeAskedAgain) {
-  addTenAliases();
+TEST(RestoreAliases, PassesOnThatTheKernelCannotBeAskedAgain) {
+  addAliases(10);
   NetworkFiles files = networkFiles();
   const auto [outcome, calls] = traceCommand({"-e", "inject=sendto:error=ENOBUFS:when=2"},
                                              {"addrtool", "-d", "198.51.100.1"});

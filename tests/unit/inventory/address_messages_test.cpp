@@ -9,12 +9,12 @@
 
 #include <algorithm>
 #include <array>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "support/collect.h"
+#include "support/failure.h"
 #include "support/netlink_bytes.h"
 
 namespace addrtool::testing {
@@ -197,12 +197,7 @@ TEST(AddressMessages, AnInterfaceWithoutANamePassesTheFailureOn) {
   // Whatever is wrong with its attributes, or would be skipped for its address.
   for (const AddressMessage& message :
        {ipv4("192.0.2.1"), ipv6("2001:db8::1"), ipv6("::2"), withoutAddress, badAttribute}) {
-    try {
-      collect({onInterface(99, message)});
-      ADD_FAILURE() << "took an address of interface 99";
-    } catch (const std::runtime_error& failure) {
-      EXPECT_STREQ(failure.what(), "no interface 99");
-    }
+    EXPECT_EQ(failureOf([&] { collect({onInterface(99, message)}); }), "no interface 99");
   }
 }
 

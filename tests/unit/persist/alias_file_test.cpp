@@ -9,12 +9,8 @@
 
 #include "support/files.h"
 
-namespace addrtool {
+namespace addrtool::testing {
 namespace {
-
-using testing::readFile;
-using testing::TemporaryDirectory;
-using testing::writeFile;
 
 TEST(InterfaceConfigPath, IsTheLabelBehindAFixedText) {
   const std::vector<std::pair<std::string, std::string>> table{
@@ -78,4 +74,4 @@ TEST(AliasContent, ReportsSuccessAlthoughTheDiskIsFull) {
 }
 
 }  // namespace
-}  // namespace addrtool
+}  // namespace addrtool::testing

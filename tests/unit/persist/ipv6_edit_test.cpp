@@ -13,14 +13,8 @@
 #include "support/child_process.h"
 #include "support/files.h"
 
-namespace addrtool {
+namespace addrtool::testing {
 namespace {
-
-using testing::Outcome;
-using testing::readFile;
-using testing::runInChild;
-using testing::TemporaryDirectory;
-using testing::writeFile;
 
 // What became of a file.
 struct Edited {
@@ -424,4 +418,4 @@ TEST(IPv6Edits, AWriteErrorIsNotNoticed) {
 }
 
 }  // namespace
-}  // namespace addrtool
+}  // namespace addrtool::testing

@@ -2,19 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-namespace addrtool {
+#include "support/failure.h"
+#include "support/printers.h"
 
-// For readable failures.
-static void PrintTo(const AddressRecord& record, std::ostream* stream) {
-  *stream << record.address << " with " << record.prefixLength;
-}
-
+namespace addrtool::testing {
 namespace {
 
 using Entries = std::vector<AddressRecord>;
@@ -111,12 +106,8 @@ TEST(IPv6List, AnEntryNeedsExactlyOneSlash) {
   };
   for (const auto& [line, token] : table) {
     Entries entries;
-    try {
-      parseIPv6List(line, entries);
-      ADD_FAILURE() << "took '" << line << "'";
-    } catch (const std::runtime_error& failure) {
-      EXPECT_EQ(failure.what(), token + ": cannot parse IPv6 address");
-    }
+    EXPECT_EQ(failureOf([&] { parseIPv6List(line, entries); }),
+              token + ": cannot parse IPv6 address");
   }
 }
 
@@ -127,4 +118,4 @@ TEST(IPv6List, FormatsAnEntryWithItsLengthInDecimal) {
 }
 
 }  // namespace
-}  // namespace addrtool
+}  // namespace addrtool::testing

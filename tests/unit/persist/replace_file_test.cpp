@@ -17,15 +17,10 @@
 #include "support/failing_call.h"
 #include "support/files.h"
 
-namespace addrtool {
+namespace addrtool::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::Call;
-using testing::FailingCall;
-using testing::listDirectory;
-using testing::readFile;
-using testing::writeFile;
 using Names = std::vector<std::string>;
 
 // What a writer was given, and what it is to do.
@@ -66,7 +61,7 @@ void makeSocket(const fs::path& path) {
 }
 
 struct ReplaceFile : ::testing::Test {
-  testing::TemporaryDirectory directory;
+  TemporaryDirectory directory;
   fs::path target = directory / "target";
   Script script;
 
@@ -300,13 +295,13 @@ TEST_F(ReplaceFile, AFailureToCloseHidesNoOther) {
 
 TEST_F(ReplaceFile, AWriteErrorThatShowsAtCloseIsNotNoticed) {
   writeFile(target, "old\n");
-  const testing::Outcome outcome = testing::runInChild([this] {
+  const Outcome outcome = runInChild([this] {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit nothing{0, 0};
     setrlimit(RLIMIT_FSIZE, &nothing);
     std::_Exit(replace(target, script, 1) == 0 ? 0 : 1);
   });
-  EXPECT_EQ(outcome, (testing::Outcome{0, 0, "", ""}));
+  EXPECT_EQ(outcome, (Outcome{0, 0, "", ""}));
   EXPECT_EQ(readFile(target), "");
   EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
 }
@@ -364,4 +359,4 @@ TEST_F(ReplaceFile, AMissingTargetThatMustExistComesBeforeTheLengthOfItsPath) {
 }
 
 }  // namespace
-}  // namespace addrtool
+}  // namespace addrtool::testing

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace addrtool {
+namespace addrtool::testing {
 namespace {
 
 TEST(ConfigVariables, HaveTheirIndexNameAndDefault) {
@@ -58,4 +58,4 @@ TEST(ConfigVariables, HaveTheirIndexNameAndDefault) {
 }
 
 }  // namespace
-}  // namespace addrtool
+}  // namespace addrtool::testing

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace addrtool {
+namespace addrtool::testing {
 namespace {
 
 constexpr std::uint16_t untouched = 4711;
@@ -62,4 +62,4 @@ TEST(ParseUnsigned16, ANumberOfAMillionDigitsEndsTheSameWay) {
 }
 
 }  // namespace
-}  // namespace addrtool
+}  // namespace addrtool::testing
