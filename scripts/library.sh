@@ -5,6 +5,7 @@
 #
 #   $root                    the top folder of the sources
 #   usage                    prints the comment at the top of the script
+#   report TEXT              prints TEXT on stderr, behind the script's name
 #   fail TEXT                reports TEXT and exits with status 1
 #   refuse TEXT              reports wrong use and exits with status 2
 #   answer_help WORD ...     if the first WORD asks for help, prints it and exits
