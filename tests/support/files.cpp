@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 namespace addrtool::testing {
@@ -24,7 +24,9 @@ TemporaryDirectory::~TemporaryDirectory() {
 std::string readFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw std::runtime_error(path.string() + ": cannot be read");
-  return {std::istreambuf_iterator<char>(file), {}};
+  std::ostringstream contents;
+  contents << file.rdbuf();
+  return contents.str();
 }
 
 void writeFile(const fs::path& path, const std::string& contents) {

@@ -163,10 +163,10 @@ TEST_F(AliasFiles, GetOwnerThenModeThenPlaceAndNoSync) {
     if (!call.starts_with("--- SIGCHLD")) calls += call + '\n';
   }
   const std::string temporary = calls.substr(0, calls.find(',')).substr(std::strlen("chown("));
-  EXPECT_TRUE(temporary.starts_with("\"" + aliasFile.string() + ".")) << temporary;
+  EXPECT_TRUE(temporary.starts_with('"' + aliasFile.string() + ".")) << temporary;
   EXPECT_EQ(calls, "chown(" + temporary + ", 0, 0) = 0\n" +      //
                        "chmod(" + temporary + ", 0644) = 0\n" +  //
-                       "rename(" + temporary + ", \"" + aliasFile.string() + "\") = 0\n");
+                       "rename(" + temporary + ", " + '"' + aliasFile.string() + "\") = 0\n");
 }
 
 TEST_F(AliasFiles, AreReplacedWholeWithTheirOwnerAndMode) {

@@ -172,7 +172,7 @@ TEST(KernelAddresses, AReplyThatCannotBeIsReportedAndTheSocketClosed) {
 }
 
 TEST(KernelAddresses, AnErrorInPlaceOfAReplyIsReportedWithoutItsCode) {
-  const std::string noPermission{-1, -1, -1, -1};  // an error's code is negative
+  const std::string noPermission(4, '\xff');  // -1: an error's code is negative
   const Trace trace =
       traceListing({answer("recvfrom", 1, headerOnly(20, NLMSG_ERROR) + noPermission)});
   expectFailure(trace, "Incorrect format of RTM_GETADDR request response");
