@@ -1,4 +1,7 @@
 # How the program is compiled and linked when it is shipped.
+include(CheckCXXCompilerFlag)
+include(CheckLinkerFlag)
+
 option(ADDRTOOL_STATIC "Link the program statically" OFF)
 option(ADDRTOOL_HARDEN "Compile and link with the usual protections" OFF)
 
@@ -12,10 +15,35 @@ if(ADDRTOOL_STATIC)
   target_link_options(addrtool_flags INTERFACE -Wl,--gc-sections)
 endif()
 
+# Each architecture and compiler offers some of these: -fcf-protection is x86's,
+# -mbranch-protection is ARM's. tests/release/hardening_test knows which.
 if(ADDRTOOL_HARDEN)
-  target_compile_options(addrtool_flags INTERFACE
-    -fPIE -fstack-protector-strong -fstack-clash-protection -fcf-protection=full
-    -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
-  target_link_options(addrtool_flags INTERFACE
-    -Wl,-z,relro,-z,now,-z,noexecstack,-z,separate-code)
+  target_compile_options(addrtool_flags INTERFACE -fPIE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  foreach(flag -fstack-protector-strong -fstack-clash-protection
+          -fcf-protection=full -mbranch-protection=standard)
+    string(MAKE_C_IDENTIFIER "ADDRTOOL_HAS${flag}" has_flag)
+    check_cxx_compiler_flag(${flag} ${has_flag})
+    if(${has_flag})
+      target_compile_options(addrtool_flags INTERFACE ${flag})
+    endif()
+  endforeach()
+  foreach(flag relro now noexecstack separate-code)
+    string(MAKE_C_IDENTIFIER "ADDRTOOL_HAS_Z_${flag}" has_flag)
+    check_linker_flag(CXX LINKER:-z,${flag} ${has_flag})
+    if(${has_flag})
+      target_link_options(addrtool_flags INTERFACE LINKER:-z,${flag})
+    endif()
+  endforeach()
+endif()
+
+# Only the program is linked like this; tests and benchmarks choose for themselves.
+# A position-independent static program needs rcrt1.o of the C library, which
+# Debian lacks for armhf and s390x.
+if(ADDRTOOL_STATIC)
+  set(CMAKE_REQUIRED_FLAGS -fPIE)
+  check_linker_flag(CXX -static-pie ADDRTOOL_HAS_STATIC_PIE)
+  unset(CMAKE_REQUIRED_FLAGS)
+  set(ADDRTOOL_PROGRAM_LINK_OPTIONS $<IF:$<BOOL:${ADDRTOOL_HAS_STATIC_PIE}>,-static-pie,-static>)
+elseif(ADDRTOOL_HARDEN)
+  set(ADDRTOOL_PROGRAM_LINK_OPTIONS -pie)
 endif()
