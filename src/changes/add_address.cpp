@@ -35,9 +35,11 @@ void addIPv4Address(const std::string& interface, const AddressRecord& record) {
   if (found == dump.end()) throw std::runtime_error(interface + ": no such network interface.");
 
   const std::string number = lowestFreeAliasNumber(found->second.aliases);
-  if (number.empty()) throw std::runtime_error(interface + ": no free alias number.");
-
   const std::string label = interface + ':' + number;
+  // A higher number is never shorter, so when the lowest one does not fit, none does.
+  if (number.empty() || !isHoldableLabel(label)) {
+    throw std::runtime_error(interface + ": no free alias number.");
+  }
   bringUpAlias(label, record);
   writeAliasFile({label, record});
 }

@@ -21,8 +21,8 @@ void addAddress(const std::string& interface, const std::string& address,
 /// the alias's file. The interface must carry an address already.
 ///
 /// Raises std::runtime_error, before anything is changed: the interface followed by ": no such
-/// network interface." or ": no free alias number."; and what readKernelAddresses, runIfconfig and
-/// writeAliasFile raise.
+/// network interface." or ": no free alias number.", also when the label of every free number is
+/// too long for the kernel; and what readKernelAddresses, runIfconfig and writeAliasFile raise.
 void addIPv4Address(const std::string& interface, const AddressRecord& record);
 
 /// Adds the record to the interface itself and to the list in the interface's file. Nothing is

@@ -17,8 +17,8 @@ void deleteAddress(const std::string& address);
 /// and its file; then brings back the aliases that vanished with it.
 ///
 /// Raises std::runtime_error, before anything is changed: the address followed by ": cannot delete
-/// main IP on interface" or ": not configured."; and what readKernelAddresses and runIfconfig
-/// raise.
+/// main IP on interface" or ": not configured."; and what readKernelAddresses and takeDownAlias
+/// raise. The latter refuses a label that is too long, as it is after a renaming of the interface.
 void deleteIPv4Address(const std::string& address);
 
 /// Deletes the first IPv6 address, interfaces in name order, that has the same value, however it
@@ -32,7 +32,7 @@ void deleteIPv6Address(const std::string& address);
 /// Brings back those aliases of the snapshot, taken before the alias `deletedSuffix` went, that
 /// are gone from the kernel's table: it drops the others of a subnet with the first one. An alias
 /// counts as present by its suffix alone. Stops at the first failure; raises what
-/// readKernelAddresses and runIfconfig raise.
+/// readKernelAddresses and bringUpAlias raise.
 void restoreAliases(const std::string& interface, const AliasMap& snapshot,
                     const std::string& deletedSuffix);
 

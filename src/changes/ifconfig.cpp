@@ -1,11 +1,19 @@
 #include "changes/ifconfig.h"
 
+#include <net/if.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <stdexcept>
 
 namespace addrtool {
+namespace {
+
+void requireHoldableLabel(const std::string& label) {
+  if (!isHoldableLabel(label)) throw std::runtime_error(label + ": alias label too long.");
+}
+
+}  // namespace
 
 void runIfconfig(const std::string& arguments) {
   const std::string commandLine = "/sbin/ifconfig " + arguments;
@@ -21,12 +29,18 @@ void runIfconfig(const std::string& arguments) {
   }
 }
 
+bool isHoldableLabel(const std::string& label) {
+  return label.size() < IFNAMSIZ;  // which counts the terminating NUL
+}
+
 void bringUpAlias(const std::string& label, const AddressRecord& record) {
+  requireHoldableLabel(label);
   runIfconfig("'" + label + "' '" + record.address + "' netmask  '" + prefixToNetmask(record) +
               "' up");
 }
 
 void takeDownAlias(const std::string& label) {
+  requireHoldableLabel(label);
   runIfconfig("'" + label + "' down");
 }
 

@@ -18,10 +18,17 @@ namespace addrtool {
 /// command that it waits for is killed. A failure of system(3) itself counts as status 255.
 void runIfconfig(const std::string& arguments);
 
-/// Brings an alias up with its address and netmask.
+/// Whether the kernel can hold the alias label, which has at most 15 bytes. /sbin/ifconfig
+/// truncates a longer label without a warning, and then changes the alias or the interface that has
+/// the truncated name.
+bool isHoldableLabel(const std::string& label);
+
+/// Brings an alias up with its address and netmask. Raises std::runtime_error, the label followed
+/// by
+/// ": alias label too long.", before any command runs, when the kernel cannot hold the label.
 void bringUpAlias(const std::string& label, const AddressRecord& record);
 
-/// Takes an alias down. Its address goes with it.
+/// Takes an alias down, which removes its address. Raises as bringUpAlias does.
 void takeDownAlias(const std::string& label);
 
 /// Adds an IPv6 address to the running interface. Nothing is quoted.

@@ -13,6 +13,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "changes/add_address.h"
@@ -130,6 +131,11 @@ std::string lowestFree(const Rows& aliases) {
   return std::to_string(number);
 }
 
+// The kernel holds labels of at most 15 bytes.
+bool isTooLong(const std::string& label) {
+  return label.size() > 15;
+}
+
 Outcome modelAdd(const std::string& interface, const std::string& address, const std::string& third,
                  const Ending& ending) {
   if (address.find(':') != std::string::npos) {
@@ -143,7 +149,14 @@ Outcome modelAdd(const std::string& interface, const std::string& address, const
     return refused(interface + ": no such network interface.");
   }
   const std::string label = interface + ":" + lowestFree(aliasesOf(interface, world.table));
+  if (isTooLong(label)) return refused(interface + ": no free alias number.");
   return ran(bringUpCommand(label, {address, modelPrefixLength(*mask)}), ending);
+}
+
+Outcome modelTakeDown(const Row& alias, const Ending& ending) {
+  const std::string label = labelOf(alias);
+  if (isTooLong(label)) return refused(label + ": alias label too long.");
+  return ran(takeDownCommand(alias), ending);
 }
 
 std::set<std::string> interfaceNames() {
@@ -161,7 +174,7 @@ Outcome modelDeleteIPv4(const std::string& address, const Ending& ending) {
       }
     }
     for (const Row& row : aliasesOf(interface, world.table)) {
-      if (row.record.address == address) return ran(takeDownCommand(row), ending);
+      if (row.record.address == address) return modelTakeDown(row, ending);
     }
   }
   return refused(address + ": not configured.");
@@ -190,6 +203,10 @@ Outcome modelRestore(const Rows& before, const Rows& after, const std::string& d
   if (before.size() < 2) return outcome;
   for (const Row& row : before) {
     if (row.suffix == deletedSuffix || isSuffixOf(after, row.suffix)) continue;
+    if (isTooLong(labelOf(row))) {
+      outcome.failure = labelOf(row) + ": alias label too long.";
+      return outcome;
+    }
     outcome.commands.push_back(bringUpCommand(labelOf(row), row.record));
   }
   return outcome;
@@ -247,7 +264,12 @@ int __real_unlink(const char* path);
 
 int __wrap_system(const char* command) {
   if (!addrtool::fuzz::world.isArmed) return __real_system(command);
-  addrtool::fuzz::world.commands.emplace_back(command);
+  const std::string text = command;
+  const std::string_view beforeLabel = "/sbin/ifconfig '";
+  addrtool::fuzz::require(!text.starts_with(beforeLabel) ||
+                              text.find('\'', beforeLabel.size()) <= beforeLabel.size() + 15,
+                          "no command names a label that the kernel cannot hold");
+  addrtool::fuzz::world.commands.push_back(text);
   return addrtool::fuzz::world.status;
 }
 
