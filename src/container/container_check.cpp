@@ -28,6 +28,8 @@ int isAssignedToContainer(const std::string& address) {
 
 void printContainerCheck(const std::string& address) {
   std::printf("%d", isAssignedToContainer(address));
+  // The digit must come before what a later action or its command writes to standard error.
+  std::fflush(stdout);
 }
 
 }  // namespace addrtool

@@ -16,7 +16,8 @@ bool anyLineHolds(std::FILE* stream, const std::string& address);
 /// on a machine that is no container.
 int isAssignedToContainer(const std::string& address);
 
-/// Prints that digit on standard output, without a newline. The answer is no failure either way.
+/// Prints that digit on standard output, without a newline, and flushes it. The answer is no
+/// failure either way.
 void printContainerCheck(const std::string& address);
 
 }  // namespace addrtool
