@@ -1,7 +1,10 @@
 #include "inventory/listing.h"
 
+#include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -12,15 +15,31 @@
 namespace addrtool {
 namespace {
 
-// One write for each line: the panel may read while the rest is still being printed.
-void printLine(std::string line) {
+// After a write has failed: whether the next one may succeed. Waits for that when standard output
+// is non-blocking and its reader has not yet made room.
+bool canRetryWrite() {
+  if (errno == EAGAIN) {
+    pollfd output{STDOUT_FILENO, POLLOUT, 0};
+    if (poll(&output, 1, -1) != -1) return true;
+  }
+  return errno == EINTR;
+}
+
+// Uses one write for each line: the panel may read while the rest is still being printed. Returns
+// false when the line cannot be written. The caller then prints no more, so that no line is missing
+// between two others.
+bool printLine(std::string line) {
   line += '\n';
   std::string_view rest = line;
   while (!rest.empty()) {
     const ssize_t written = write(STDOUT_FILENO, rest.data(), rest.size());
-    if (written <= 0) return;
-    rest.remove_prefix(static_cast<std::size_t>(written));
+    if (written > 0) {
+      rest.remove_prefix(static_cast<std::size_t>(written));
+    } else if (written == 0 || !canRetryWrite()) {
+      return false;
+    }
   }
+  return true;
 }
 
 std::string joinFields(const std::string& address, const std::string& netmask,
@@ -48,6 +67,19 @@ class NetmaskCache {
   std::string netmask_;
 };
 
+bool printAddresses(const InterfaceRecord& interface, NetmaskCache& netmasks) {
+  bool isPrimary = true;
+  for (const AddressRecord& record : interface.ipv4) {
+    const std::string& netmask = netmasks.netmaskOf(record);
+    if (!printLine(joinFields(record.address, netmask, interface.name, isPrimary))) return false;
+    isPrimary = false;
+  }
+  return std::ranges::all_of(interface.ipv6, [&](const AddressRecord& record) {
+    const std::string prefixLength = std::to_string(record.prefixLength);
+    return printLine(joinFields(record.address, prefixLength, interface.name, false));
+  });
+}
+
 std::string baseInterfaceName(const std::string& name) {
   return name.substr(0, name.find(':'));
 }
@@ -57,15 +89,7 @@ std::string baseInterfaceName(const std::string& name) {
 void listAddresses() {
   NetmaskCache netmasks;
   for (const InterfaceRecord& interface : buildAddressInventory(false)) {
-    bool isPrimary = true;
-    for (const AddressRecord& record : interface.ipv4) {
-      printLine(joinFields(record.address, netmasks.netmaskOf(record), interface.name, isPrimary));
-      isPrimary = false;
-    }
-    for (const AddressRecord& record : interface.ipv6) {
-      const std::string prefixLength = std::to_string(record.prefixLength);
-      printLine(joinFields(record.address, prefixLength, interface.name, false));
-    }
+    if (!printAddresses(interface, netmasks)) return;
   }
 }
 
@@ -86,7 +110,9 @@ void printInterfaceNames() {
   for (const InterfaceRecord& interface : buildAddressInventory(false)) {
     names.insert(baseInterfaceName(interface.name));
   }
-  for (const std::string& name : names) printLine(name);
+  for (const std::string& name : names) {
+    if (!printLine(name)) return;
+  }
 }
 
 }  // namespace addrtool

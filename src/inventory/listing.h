@@ -1,5 +1,6 @@
-// What the panel reads back: the inventory as text on standard output, a line at a time, each
-// with one write of its own, past the buffer of stdout: what is still in that comes out later.
+// What the panel reads back: the inventory as text on standard output, with one write(2) for each
+// line. This bypasses stdio: text still in stdout's buffer appears later. A full non-blocking
+// output is waited for. After any other write error nothing more is printed, and nothing is raised.
 #pragma once
 
 #include <string>

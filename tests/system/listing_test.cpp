@@ -1,8 +1,12 @@
 #include "inventory/listing.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <vector>
 
@@ -217,6 +221,92 @@ TEST(Listing, ALineOfWhichOnlyAPartWasWrittenIsWrittenToItsEnd) {
 
 TEST(Listing, LinesThatCannotBeWrittenAreLostWithoutAWord) {
   EXPECT_EQ(runShell("addrtool --list >/dev/full"), silentSuccess);
+}
+
+TEST(Listing, NothingFollowsALineThatCannotBeWritten) {
+  ip("address add 192.0.2.2/24 dev eth0 label eth0:1");
+  const std::vector<std::string> lines{"192.0.2.1 255.255.255.0 eth0 1\n",
+                                       "192.0.2.2 255.255.255.0 eth0 0\n",
+                                       "2001:db8::1 64 eth0 0\n"};
+  std::string printed;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const std::string fault = "inject=write:error=ENOSPC:when=" + std::to_string(i + 1);
+    const Trace trace = traceCommand({"-e", "trace=write", "-e", fault}, {"addrtool", "-l"});
+    EXPECT_EQ(trace.outcome, (Outcome{0, 0, printed, ""})) << fault;
+    EXPECT_EQ(callsStarting("write(1, ", trace.calls).size(), i + 1) << fault;
+    printed += lines[i];
+  }
+}
+
+TEST(InterfaceNames, StopAtANameThatCannotBeWritten) {
+  ip(R"(link add eth1 type veth peer name peer1
+        address add 10.1.0.1/16 dev eth1)");
+  const Trace trace = traceCommand({"-e", "trace=write", "-e", "inject=write:error=ENOSPC:when=1"},
+                                   {"print_inventory", "interface-names"});
+  EXPECT_EQ(trace.outcome, (Outcome{0, 0, "", ""}));
+}
+
+TEST(Listing, AnInterruptedWriteIsRepeated) {
+  for (const char* const interrupted : {"1", "2"}) {
+    const Trace trace = traceCommand(
+        {"-e", "trace=write", "-e", std::string("inject=write:error=EINTR:when=") + interrupted},
+        {"addrtool", "-l"});
+    EXPECT_EQ(trace.outcome, (Outcome{0, 0, freshListing, ""}));
+  }
+}
+
+TEST(Listing, AnInterruptedWaitIsRepeated) {
+  const Trace trace =
+      traceCommand({"-e", "trace=write,/poll", "-e", "inject=write:error=EAGAIN:when=1", "-e",
+                    "inject=/poll:error=EINTR:when=1"},
+                   {"addrtool", "-l"});
+  EXPECT_EQ(trace.outcome, (Outcome{0, 0, freshListing, ""}));
+}
+
+TEST(Listing, AWaitThatFailsEndsTheListing) {
+  const Trace trace =
+      traceCommand({"-e", "trace=write,/poll", "-e", "inject=write:error=EAGAIN:when=2", "-e",
+                    "inject=/poll:error=ENOMEM"},
+                   {"addrtool", "-l"});
+  EXPECT_EQ(trace.outcome, (Outcome{0, 0, "192.0.2.1 255.255.255.0 eth0 1\n", ""}));
+}
+
+// Runs the listing with a pipe that refuses to block for its output, and reads it slowly.
+std::string listingThroughNonBlockingPipe() {
+  std::array<int, 2> ends{};
+  EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+  EXPECT_EQ(fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(ends[1], STDOUT_FILENO);
+    execlp("addrtool", "addrtool", "--list", nullptr);
+    _exit(127);
+  }
+  close(ends[1]);
+  std::string text;
+  std::array<char, 4096> buffer{};
+  for (ssize_t size = 1; size > 0;) {
+    usleep(2000);
+    size = read(ends[0], buffer.data(), buffer.size());
+    if (size > 0) text.append(buffer.data(), static_cast<std::size_t>(size));
+  }
+  close(ends[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+  return text;
+}
+
+TEST(Listing, IsCompleteThroughAFullNonBlockingPipe) {
+  std::string commands;
+  for (int n = 0; n < 5000; ++n) {
+    commands += "address add 10." + std::to_string(n / 250) + ".0." + std::to_string(n % 250) +
+                "/32 dev eth0\n";
+  }
+  ip(commands);
+  const std::string expected = listing();
+  ASSERT_GT(expected.size(), 2U * 65536U) << "more than the pipe holds";
+  EXPECT_TRUE(listingThroughNonBlockingPipe() == expected);
 }
 
 // --- what no option reaches ---
