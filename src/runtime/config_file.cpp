@@ -75,11 +75,17 @@ int logReadError() {
   return -1;
 }
 
+int storeDefinition(RuntimeConfiguration* table, char* line) {
+  const Definition definition = cutDefinition(line);
+  if (definition.name == nullptr) return 0;
+  return setConfigEntry(table, definition.name, definition.value);
+}
+
 int readDefinitions(std::FILE* file, RuntimeConfiguration* table, char** line, std::size_t* size) {
   while (getline(line, size, file) != -1) {
-    const Definition definition = cutDefinition(*line);
-    if (definition.name == nullptr) continue;
-    if (setConfigEntry(table, definition.name, definition.value) != 0) return -1;
+    const int readError = errno;  // the next call only repeats the failure that cut this line short
+    if (storeDefinition(table, *line) != 0) return -1;
+    errno = readError;  // a log function may have changed it
   }
   sortConfig(table);
   return std::feof(file) != 0 && std::ferror(file) == 0 ? 0 : logReadError();

@@ -1,9 +1,14 @@
 #include "runtime/config_file.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -261,6 +266,33 @@ TEST_F(ConfigFile, AFileThatCannotBeReadToItsEndFails) {
   EXPECT_EQ(errno, EIO);
   EXPECT_EQ(LogRecorder::take(),
             (Log{{12, "Unable to read configuration file: Input/output error"}}));
+}
+
+// A signal ends the read of a FIFO behind a partial line, which the recorder then sets errno for.
+TEST_F(ConfigFile, AReadErrorKeepsItsErrnoWhenAPartialLineIsLogged) {
+  const std::string fifo = directory / "fifo";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  const int writer = open(fifo.c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_EQ(write(writer, "A 1\nB=2", 7), 7);
+  struct sigaction interrupt {};
+  interrupt.sa_handler = [](int /*signal*/) {};
+  struct sigaction before {};
+  sigaction(SIGALRM, &interrupt, &before);
+  constexpr itimerval every10Milliseconds{{0, 10000}, {0, 10000}};
+  constexpr itimerval never{};
+  setitimer(ITIMER_REAL, &every10Milliseconds, nullptr);
+  const int result = readPath(fifo);
+  const int error = errno;
+  setitimer(ITIMER_REAL, &never, nullptr);
+  sigaction(SIGALRM, &before, nullptr);
+  close(writer);
+
+  EXPECT_EQ(result, -1);
+  EXPECT_EQ(error, EINTR);
+  EXPECT_EQ(definitions(), (Definitions{{"A", "1"}}));
+  EXPECT_EQ(
+      LogRecorder::take(),
+      (Log{noSpace("B=2"), {12, "Unable to read configuration file: Interrupted system call"}}));
 }
 
 TEST_F(ConfigFile, AFailureToCloseHidesNoOther) {
