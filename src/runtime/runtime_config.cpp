@@ -17,7 +17,7 @@ constexpr const char* configPath = "/etc/kel/kel.conf";
 RuntimeConfiguration* loaded = nullptr;
 std::array<const char*, configVariableCount> foundValues{};
 
-std::size_t indexOf(ConfigVariable variable) {
+constexpr std::size_t indexOf(ConfigVariable variable) {
   return static_cast<std::size_t>(variable);
 }
 
@@ -43,20 +43,25 @@ const char* lookupConfigFile(const char* name) {
 }
 
 const char* getConfigValue(ConfigVariable variable) {
-  const char*& value = foundValues.at(indexOf(variable));
-  if (value == nullptr) value = lookupConfigFile(configVariables.at(indexOf(variable)).name);
-  return value;
+  const std::size_t index = indexOf(variable);
+  if (index >= configVariableCount) return nullptr;
+  if (foundValues[index] == nullptr) {
+    foundValues[index] = lookupConfigFile(configVariables[index].name);
+  }
+  return foundValues[index];
 }
 
 const char* getConfigValueOrDefault(ConfigVariable variable) {
+  const std::size_t index = indexOf(variable);
+  if (index >= configVariableCount) return nullptr;
   const char* value = getConfigValue(variable);
-  return value != nullptr ? value : configVariables.at(indexOf(variable)).defaultValue;
+  return value != nullptr ? value : configVariables[index].defaultValue;
 }
 
 const char* getConfigValueByName(const char* name) {
   // The upper sentinel, the last one, is never asked for.
   for (std::size_t i = 0; i < indexOf(ConfigVariable::MAX_POSSIBLE_KEL_CONF_VAR); ++i) {
-    if (std::strcmp(configVariables.at(i).name, name) == 0) {
+    if (std::strcmp(configVariables[i].name, name) == 0) {
       return getConfigValueOrDefault(static_cast<ConfigVariable>(i));
     }
   }

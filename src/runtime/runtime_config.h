@@ -15,9 +15,10 @@ int loadRuntimeConfiguration();
 const char* lookupConfigFile(const char* name);
 
 /// The value the file gives to the variable, or null. A value found is remembered, a miss is not.
+/// Null too for an index outside of the table.
 const char* getConfigValue(ConfigVariable variable);
 
-/// The same, or else the default of the variable; never null.
+/// The same, or else the default of the variable. Null only for an index outside of the table.
 const char* getConfigValueOrDefault(ConfigVariable variable);
 
 /// The same by name. A name that is no variable's, or the upper sentinel's, is logged and gives

@@ -202,6 +202,18 @@ TEST(GetConfigValueOrDefault, PrefersTheFile) {
             "/elsewhere\n");
 }
 
+TEST(GetConfigValue, OutsideTheTableIsNull) {
+  for (const unsigned index : {30U, 31U, 255U}) {
+    EXPECT_EQ(outputWith("NAME value\n",
+                         [index] {
+                           const auto variable = static_cast<ConfigVariable>(index);
+                           print(getConfigValue(variable));
+                           print(getConfigValueOrDefault(variable));
+                         }),
+              "(null)\n(null)\n");
+  }
+}
+
 TEST(GetConfigValueByName, KnowsTheVariablesButTheUpperSentinel) {
   std::string defaults;
   for (const ConfigVariableInfo& variable : configVariables) {
