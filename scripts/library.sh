@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 #
-# What the bash scripts of this folder share. Each sources this file first, after
-# it has put its own canonical path into $script. The path may have blanks.
+# What the bash scripts of this folder share. Before a script sources this file, it
+# puts its own absolute path, without symbolic links, into $script.
 #
 #   $root                    the top folder of the sources
 #   usage                    prints the comment at the top of the script
