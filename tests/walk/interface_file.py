@@ -1,0 +1,95 @@
+"""How addrtool edits the IPv6 addresses of an interface's file, as docs/changes.md tells it."""
+
+import ipaddress
+import re
+
+PIECE_CHARACTERS = 8095  # a longer line is read as several
+PRIMARY, LIST = "IPV6ADDR", "IPV6ADDR_SECONDARIES"
+BLANKS, QUOTES = " \t\n\v\f\r", "\"'"
+
+
+class CannotEdit(Exception):
+    """The message says why; the file stays as it is."""
+
+
+def split_lines(text):
+    return re.findall(rf"[^\n]{{0,{PIECE_CHARACTERS - 1}}}\n|[^\n]{{1,{PIECE_CHARACTERS}}}", text)
+
+
+def entries_of(line):
+    """An entry is (address, prefix length). The last number of a quoted list ends in the quote."""
+    entries = []
+    for text in re.split(f"[{BLANKS}]+", line.partition("=")[2].lstrip(QUOTES)):
+        if not text:
+            continue
+        address, slash, number = text.partition("/")
+        if not slash or "/" in number:
+            raise CannotEdit(f"{text}: cannot parse IPv6 address")
+        entries.append((address, parse_prefix(number)))
+    return entries
+
+
+def primary_of(line):
+    return line.partition("=")[2].strip(BLANKS + QUOTES).partition("/")[0]
+
+
+def parse_prefix(text):
+    """What is not a number counts as 0."""
+    number = parse_unsigned16(text)
+    return 0 if number is None else number
+
+
+def parse_unsigned16(text):
+    digits = re.fullmatch(f"[{BLANKS}]*[+]?([0-9]+)[{BLANKS}]*", text)
+    return int(digits[1]) if digits and int(digits[1]) <= 65535 else None
+
+
+def is_same_address(text, ip):
+    try:
+        return ipaddress.IPv6Address(text) == ipaddress.IPv6Address(ip)
+    except ValueError:
+        return False
+
+
+def joined(entries):
+    return " ".join(f"{address}/{prefix}" for address, prefix in entries)
+
+
+def add_to_list(text, address, prefix):
+    """The file's text with the address in front of the list."""
+    new_list, lines = "", []
+    for line in split_lines(text):
+        # A second list goes on behind the first one, and its line repeats both.
+        if is_list_for_add(line):
+            entries = entries_of(line)
+            if entries:
+                new_list = new_list or f'{LIST}="{address}/{prefix}'
+                new_list += f' {joined(entries)}"\n'
+                line = new_list
+        lines.append(line)
+    if not new_list:
+        lines.append(f'{LIST}="{address}/{prefix}"\n')
+    return "".join(lines)
+
+
+def is_list_for_add(line):
+    """An add takes any name that starts with the list's."""
+    return line.startswith(LIST) and "=" in line
+
+
+def delete_from_lists(text, ip):
+    """The file's text without the address; a deleted primary is replaced by the first entry."""
+    lines = split_lines(text)
+    names = [line.partition("=")[0] if "=" in line else None for line in lines]
+    primaries = [primary_of(line) for line, name in zip(lines, names) if name == PRIMARY]
+    entries = [entry for line, name in zip(lines, names) if name == LIST
+               for entry in entries_of(line)]
+    new_primary = None
+    if primaries and is_same_address(primaries[-1], ip):
+        if not entries:
+            raise CannotEdit(f"Cannot remove last IPv6 address {ip}")
+        new_primary = f"{PRIMARY}={joined([entries.pop(0)])}\n"
+    entries = [entry for entry in entries if not is_same_address(entry[0], ip)]
+    new_list = f'{LIST}="{joined(entries)}"\n' if entries else ""
+    return "".join(new_primary if name == PRIMARY and new_primary else
+                   new_list if name == LIST else line for line, name in zip(lines, names))
