@@ -50,20 +50,20 @@ void addIPv6Address(const std::string& interface, const AddressRecord& record) {
 }
 
 std::string lowestFreeAliasNumber(const AliasMap& aliases) {
-  // One pass: a look-up for each number would cost as much as reading a long table does.
+  // One pass. Looking up each number would take as long as reading a long table from the kernel.
   std::bitset<std::numeric_limits<std::uint16_t>::max() + 1> taken;
   for (const auto& [suffix, record] : aliases) {
     std::uint16_t number = 0;
     const char* const end = suffix.data() + suffix.size();
     const auto parsed = std::from_chars(suffix.data(), end, number);
-    // 01 is not the text that 1 is written as, so it takes no number.
+    // The suffix 01 makes another label than 1, so it takes no number.
     if (parsed == std::from_chars_result{end, std::errc{}} && suffix.front() != '0') {
       taken.set(number);
     }
   }
   std::uint16_t lowest = 1;
   while (lowest != 0 && taken.test(lowest)) ++lowest;
-  if (lowest == 0) return "";  // the counter has come round
+  if (lowest == 0) return "";  // the counter has wrapped
   return std::to_string(lowest);
 }
 

@@ -1,5 +1,5 @@
-// Puts an address on an interface: on the running system first, then in the files, so that it is
-// there again when the network service restarts. What was done before a failure stays done.
+// Adds an address to an interface: first on the running system, then in the files that the network
+// service reads when it restarts. A failure does not undo earlier steps.
 #pragma once
 
 #include <string>
@@ -8,29 +8,30 @@
 
 namespace addrtool {
 
-/// Adds the address, an IPv6 address when its text has a colon, else an IPv4 address.
-/// `netmaskOrPrefix` is a prefix length in decimal for IPv6, a dotted netmask for IPv4.
+/// Adds the address. A text with a colon is an IPv6 address, any other text an IPv4 address.
+/// `netmaskOrPrefix` is a decimal prefix length for IPv6 and a dotted netmask for IPv4.
 ///
-/// Raises std::runtime_error: the third operand followed by ": cannot convert to int" (IPv6) or
-/// ": cannot convert to netmask" (IPv4) before anything is changed, and what the two functions
-/// below raise.
+/// Raises std::runtime_error before anything is changed: `netmaskOrPrefix` followed by ": cannot
+/// convert to int" (IPv6) or ": cannot convert to netmask" (IPv4). Also raises what the two
+/// functions below raise.
 void addAddress(const std::string& interface, const std::string& address,
                 const std::string& netmaskOrPrefix);
 
 /// Adds the record as a new alias of the interface, with the lowest free alias number, and writes
-/// the alias's file. The interface must carry an address already.
+/// the alias file. The interface must have an address already.
 ///
-/// Raises std::runtime_error, before anything is changed: the interface followed by ": no such
-/// network interface." or ": no free alias number.", also when the label of every free number is
-/// too long for the kernel; and what readKernelAddresses, runIfconfig and writeAliasFile raise.
+/// Raises std::runtime_error before anything is changed: the interface followed by ": no such
+/// network interface.", or by ": no free alias number." when every number is taken or makes a label
+/// that is too long for the kernel. Also raises what readKernelAddresses, bringUpAlias and
+/// writeAliasFile raise.
 void addIPv4Address(const std::string& interface, const AddressRecord& record);
 
-/// Adds the record to the interface itself and to the list in the interface's file. Nothing is
-/// checked before the command runs. Raises what runIfconfig raises.
+/// Adds the record to the interface itself and to the list in the interface's file. Checks nothing
+/// before the command runs. Raises what addIPv6ToRunningInterface raises.
 void addIPv6Address(const std::string& interface, const AddressRecord& record);
 
-/// The lowest number from 1 that is no key of the aliases, in decimal; empty when all 65,535 are
-/// taken. Keys that are no numbers block none.
+/// Returns the lowest number from 1 up that is not a key of the aliases, in decimal. Returns an
+/// empty text when all 65,535 are taken. Keys that are not numbers are ignored.
 std::string lowestFreeAliasNumber(const AliasMap& aliases);
 
 }  // namespace addrtool

@@ -73,9 +73,9 @@ void restoreAliases(const std::string& interface, const AliasMap& snapshot,
   if (snapshot.size() < 2) return;
   AddressDump dump;
   readKernelAddresses(dump, false);
-  const AliasMap& present = dump[interface].aliases;  // empty when all its addresses are gone
+  const AliasMap& present = dump[interface].aliases;  // empty if the interface lost all addresses
 
-  std::vector<AliasMap::value_type> vanished;  // in one pass over both, which have one order
+  std::vector<AliasMap::value_type> vanished;  // one pass over both maps, which are sorted alike
   std::ranges::set_difference(snapshot, present, std::back_inserter(vanished), {},
                               &AliasMap::value_type::first, &AliasMap::value_type::first);
   for (const auto& [suffix, record] : vanished) {

@@ -17,7 +17,7 @@ void requireHoldableLabel(const std::string& label) {
 
 void runIfconfig(const std::string& arguments) {
   const std::string commandLine = "/sbin/ifconfig " + arguments;
-  // -1, a failure of system(3) itself, reads as an exit with status 255.
+  // If system(3) itself fails, its -1 counts as exit status 255 (required).
   const int status = std::system(commandLine.c_str());
   if (WIFSIGNALED(status)) {
     throw std::runtime_error(commandLine + " killed with signal " +

@@ -1,5 +1,5 @@
-// The one way to change the running network: /sbin/ifconfig, and every command that is run
-// through it. Each function raises what runIfconfig raises.
+// The one way to change the running network: /sbin/ifconfig, and every command that is run through
+// it. Each function raises what runIfconfig raises.
 #pragma once
 
 #include <string>
@@ -24,8 +24,7 @@ void runIfconfig(const std::string& arguments);
 bool isHoldableLabel(const std::string& label);
 
 /// Brings an alias up with its address and netmask. Raises std::runtime_error, the label followed
-/// by
-/// ": alias label too long.", before any command runs, when the kernel cannot hold the label.
+/// by ": alias label too long.", before any command runs, when the kernel cannot hold the label.
 void bringUpAlias(const std::string& label, const AddressRecord& record);
 
 /// Takes an alias down, which removes its address. Raises as bringUpAlias does.

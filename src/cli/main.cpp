@@ -1,5 +1,5 @@
-// Parses the command line into queues of actions, checks it, runs the queues, and turns a failure
-// into a message and an exit status. What the actions do is not known here.
+// Queues the actions that the command line asks for, checks the operands, runs the queues, and
+// turns a failure into a message and an exit status.
 #include <getopt.h>
 
 #include <algorithm>
@@ -25,7 +25,7 @@ namespace {
 using PlainAction = void (*)();
 using ArgumentAction = void (*)(const std::string& argument);
 
-// What the command line asks for.
+// The actions that the command line asks for.
 struct Request {
   std::queue<PlainAction> plainActions;
   std::queue<std::pair<ArgumentAction, std::string>> argumentActions;
@@ -93,7 +93,8 @@ Request parseOptions(int argc, char** argv) {
   int letter = 0;
   while ((letter = getopt_long(argc, argv, shortOptions.data(), longOptions.data(), nullptr)) !=
          -1) {
-    // The ? of a bad option matches nothing: getopt has complained, and the rest is still done.
+    // A bad option gives '?', which is no letter of the table. getopt has printed a complaint, and
+    // the other options still count.
     const auto* found = std::ranges::find(options, letter, &Option::letter);
     if (found != options.end()) found->apply(request);
   }
@@ -111,7 +112,8 @@ void checkOperands(const Request& request, int argc, char** argv) {
   }
 }
 
-// The order is by kind, whatever the order on the command line: the add comes last.
+// Runs the actions without an argument, then those with one, then the add. The order on the command
+// line only counts within each kind.
 void runActions(Request& request, char** operands) {
   for (; !request.plainActions.empty(); request.plainActions.pop()) {
     request.plainActions.front()();
@@ -129,7 +131,7 @@ int run(int argc, char** argv) {
   Request request = parseOptions(argc, argv);
   if (request.isEmpty()) printUsage();
   checkOperands(request, argc, argv);
-  static_cast<void>(loadRuntimeConfiguration());  // no action uses its values
+  static_cast<void>(loadRuntimeConfiguration());  // required, although no action uses its values
   try {
     runActions(request, argv + optind);
   } catch (const std::exception& failure) {

@@ -7,7 +7,7 @@
 namespace addrtool {
 
 void printUsage() {
-  // --main is accepted for old callers and deliberately not mentioned.
+  // Leaves out --main on purpose: it only exists for old callers.
   constexpr std::string_view text =
       R"(Usage: addrtool [OPTIONS]...
 

@@ -1,5 +1,5 @@
-// Tells whether an address was assigned to the container that the machine runs in, as far as the
-// container kernel's information file shows.
+// Tells whether an address was assigned to the container that this program runs in, by searching
+// the information file of the container kernel.
 #pragma once
 
 #include <cstdio>
@@ -7,17 +7,16 @@
 
 namespace addrtool {
 
-/// Whether some line of the stream holds the text, byte for byte and anywhere: 10.0.0.1 is found
-/// in a line with 110.0.0.12. The empty text is found even where there is no line. A read error
-/// ends the search as the end of the file does.
+/// Whether any line of the stream contains the text, compared byte for byte: 10.0.0.1 is found in a
+/// line with 110.0.0.12. The empty text is always found, even in an empty file. A read error counts
+/// as the end of the file.
 bool anyLineHolds(std::FILE* stream, const std::string& address);
 
-/// 1 when some line of /proc/qv/veinfo holds the address text, else 0; 0 too without that file, so
-/// on a machine that is no container.
+/// Returns 1 when a line of /proc/qv/veinfo contains the address text, else 0. Without that file,
+/// which only containers have, it returns 0.
 int isAssignedToContainer(const std::string& address);
 
-/// Prints that digit on standard output, without a newline, and flushes it. The answer is no
-/// failure either way.
+/// Prints that digit on standard output without a newline and flushes it. Never fails.
 void printContainerCheck(const std::string& address);
 
 }  // namespace addrtool

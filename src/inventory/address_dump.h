@@ -1,4 +1,4 @@
-// The addresses of the machine by interface, as they are gathered from the kernel.
+// The addresses of the machine by interface, as the kernel reports them.
 #pragma once
 
 #include <map>
@@ -10,20 +10,20 @@
 namespace addrtool {
 
 /// Alias addresses by alias suffix: the label's text after its first colon ("1" for the label
-/// eth0:1). The order is that of the bytes: "1" before "10" before "2".
+/// eth0:1). Sorted by bytes: "1" before "10" before "2".
 using AliasMap = std::map<std::string, AddressRecord>;
 
-/// What one interface carries.
+/// The addresses of one interface.
 struct InterfaceAddresses {
-  AliasMap aliases = {};                        ///< IPv4 addresses whose label has a colon
-  std::vector<AddressRecord> primaryIPv4 = {};  ///< plainly labelled ones, in the kernel's order
+  AliasMap aliases = {};                        ///< the IPv4 addresses whose label has a colon
+  std::vector<AddressRecord> primaryIPv4 = {};  ///< the other ones, in the kernel's order
   std::vector<AddressRecord> ipv6 = {};         ///< in the kernel's order
 
   bool operator==(const InterfaceAddresses&) const = default;
 };
 
-/// By interface name (never by label), in the order of the bytes. An interface gets its entry
-/// with its first accepted address, so no entry of a fresh dump is empty.
+/// Maps each interface name (never a label) to its addresses, sorted by bytes. An interface gets
+/// its entry with its first accepted address, so no entry of a fresh dump is empty.
 using AddressDump = std::map<std::string, InterfaceAddresses>;
 
 }  // namespace addrtool

@@ -1,4 +1,4 @@
-// The machine's addresses in the order in which they are shown.
+// The addresses of the machine in the order of the listing.
 #pragma once
 
 #include <string>
@@ -11,14 +11,14 @@ namespace addrtool {
 /// One interface. Its primary address is the first of `ipv4`; IPv6 addresses are never primary.
 struct InterfaceRecord {
   std::string name;
-  std::vector<AddressRecord> ipv4;  ///< plainly labelled ones, then aliases in suffix order
+  std::vector<AddressRecord> ipv4;  ///< the primary ones, then the aliases by suffix
   std::vector<AddressRecord> ipv6;  ///< in the kernel's order
 };
 
-/// In ascending order of interface name, byte by byte.
+/// Sorted by the bytes of the interface names.
 using AddressInventory = std::vector<InterfaceRecord>;
 
-/// Reads the kernel's addresses afresh. `includeHostScope` takes loopback addresses in too.
+/// Reads the kernel's addresses. With `includeHostScope`, the result includes loopback addresses.
 /// Raises what readKernelAddresses raises.
 AddressInventory buildAddressInventory(bool includeHostScope);
 

@@ -21,8 +21,8 @@ using Bytes = std::span<const std::byte>;
 
 constexpr std::size_t headersSize = sizeof(nlmsghdr) + sizeof(ifaddrmsg);
 
-// Copies a T from the front of the bytes, which must hold one: netlink promises no alignment
-// that would survive a hostile length.
+// Copies a T from the front of the bytes, which must hold one. A malformed length can leave the
+// next header unaligned, so it cannot be read in place.
 template <typename T>
 T readFront(Bytes bytes) {
   T value{};
@@ -51,7 +51,7 @@ bool holdsAttribute(Bytes bytes) {
   return length >= sizeof(rtattr) && length <= bytes.size();
 }
 
-// Temporary IPv6 addresses and those that autoconfiguration made are not the panel's to manage.
+// The panel manages no temporary IPv6 addresses and none that autoconfiguration made.
 bool isManaged(const ifaddrmsg& header, bool includeHostScope) {
   if (header.ifa_family != AF_INET && header.ifa_family != AF_INET6) return false;
   if (header.ifa_family == AF_INET6) {
@@ -74,8 +74,8 @@ std::string_view textUpToNul(Bytes payload) {
   return {reinterpret_cast<const char*>(payload.data()), size};
 }
 
-// A later attribute replaces an earlier one of its type; one too short for its address counts
-// for nothing.
+// A later attribute replaces an earlier one of the same type. An attribute that is too short for
+// its address is ignored.
 AddressAttributes readAttributes(Bytes bytes, std::size_t addressSize) {
   AddressAttributes found;
   while (holdsAttribute(bytes)) {
@@ -90,7 +90,8 @@ AddressAttributes readAttributes(Bytes bytes, std::size_t addressSize) {
   return found;
 }
 
-// What inet_ntop(3) prints, which goes through sprintf(3) and would be a third of a long listing.
+// Returns the text that inet_ntop(3) gives. That function calls sprintf(3), which would take a
+// third of the time of a long listing.
 std::string ipv4Text(Bytes address) {
   std::array<char, INET_ADDRSTRLEN> text{};
   char* end = text.data();
@@ -135,7 +136,7 @@ void AddressCollector::collect(Bytes datagram) {
   }
 }
 
-// The message's type is not looked at: what is no address message has another family byte.
+// The type is ignored; the family check rejects other messages.
 void AddressCollector::collectMessage(Bytes message) {
   if (message.size() < headersSize) return;
   const auto header = readFront<ifaddrmsg>(message.subspan(sizeof(nlmsghdr)));
@@ -147,17 +148,18 @@ void AddressCollector::collectMessage(Bytes message) {
       readAttributes(message.subspan(headersSize), isIPv4 ? sizeof(in_addr) : sizeof(in6_addr));
   if (attributes.address.empty()) return;
 
-  // On a point-to-point link the address attribute is the peer's, the local one ours.
+  // On a point-to-point link, IFA_ADDRESS is the peer's address and IFA_LOCAL is our own.
   const Bytes own = attributes.local.empty() ? attributes.address : attributes.local;
   AddressRecord record{isIPv4 ? ipv4Text(own) : ipv6Text(own), header.ifa_prefixlen};
   if (isIPv4) {
     addIPv4(attributes.label, std::move(record));
-  } else if (record.address != "::2") {  // deliberately never managed
+  } else if (record.address != "::2") {  // never managed, on purpose
     currentAddresses().ipv6.push_back(std::move(record));
   }
 }
 
-// Messages of one interface follow one another, and a name costs three system calls.
+// The messages of one interface usually follow one another. Looking up a name costs three system
+// calls, so the last name is kept.
 void AddressCollector::selectInterface(unsigned index) {
   if (!current_ || current_->index != index) current_ = {index, interfaceNamer_(index)};
 }
@@ -167,8 +169,7 @@ InterfaceAddresses& AddressCollector::currentAddresses() {
   return *current_->addresses;
 }
 
-// Aliases come in the order in which they were made, which is mostly that of their numbers: the
-// place of each is mostly right behind the one before.
+// Aliases usually arrive in order, so hint at the position after the last one.
 void AddressCollector::addIPv4(std::string_view label, AddressRecord record) {
   const std::size_t colon = label.find(':');
   if (colon == std::string_view::npos) {

@@ -1,5 +1,5 @@
-// From the bytes of one rtnetlink datagram to the addresses in it. Knows no socket; whatever the
-// bytes claim about their lengths, nothing outside the given span is read.
+// Parses the addresses in one rtnetlink datagram. Uses no socket. Never reads outside of the given
+// span, whatever lengths the bytes claim.
 //
 // Formats: netlink(7), rtnetlink(7), <linux/netlink.h>, <linux/rtnetlink.h>, <linux/if_addr.h>.
 #pragma once
@@ -15,38 +15,38 @@
 
 namespace addrtool {
 
-/// What the first message of a datagram says about the datagram as a whole.
+/// The kind of a datagram.
 enum class DatagramKind {
-  Malformed,  ///< too short, a first length that cannot be, or an error in place of a reply
+  Malformed,  ///< too short, an impossible first length, or an error message
   Addresses,  ///< more datagrams follow
-  EndOfDump,  ///< the last one
+  EndOfDump,  ///< the last datagram
 };
 
-/// Judges a datagram by its first message alone: the kernel sends the end of a dump as a
-/// datagram of its own.
+/// Classifies a datagram by its first message. The kernel sends the end of a dump in a datagram of
+/// its own, so the other messages are not examined.
 DatagramKind classifyDatagram(std::span<const std::byte> datagram);
 
-/// Gathers the addresses of the datagrams of one dump.
+/// Collects the addresses in the datagrams of one dump.
 class AddressCollector {
  public:
-  /// Gives the name of the interface with this kernel index; raises when there is none.
+  /// Returns the name of the interface with this kernel index. Raises when there is none.
   using InterfaceNamer = std::function<std::string(unsigned index)>;
 
-  /// Adds to `dump`, which must outlive the collector and lose nothing meanwhile. With
-  /// `includeHostScope`, addresses of host scope (127.0.0.1, ::1) are taken too; otherwise only
-  /// those of universe scope are.
+  /// Adds addresses to `dump`. The caller must not remove entries from it, and must keep it, while
+  /// the collector exists. Accepts addresses of universe scope, and with `includeHostScope` also
+  /// those of host scope (127.0.0.1, ::1).
   AddressCollector(AddressDump& dump, bool includeHostScope, InterfaceNamer interfaceNamer);
 
-  /// Adds the managed addresses of every message of the datagram. Messages that cannot hold what
-  /// they claim are skipped, and a length that cannot be ends the walk. Raises what the namer does.
+  /// Adds the managed addresses of every message in the datagram. Skips a message that is too short
+  /// for its address. Stops at a message whose length is impossible. Raises what the namer raises.
   void collect(std::span<const std::byte> datagram);
 
  private:
-  /// The interface of the last message, and where its addresses go.
+  /// The interface of the last message and its entry in the dump.
   struct Interface {
     unsigned index;
     std::string name;
-    InterfaceAddresses* addresses = nullptr;  // not before one is accepted
+    InterfaceAddresses* addresses = nullptr;  // null until an address is accepted
     std::optional<AliasMap::iterator> lastAlias = std::nullopt;
   };
 

@@ -29,7 +29,7 @@ struct AddressRequest {
 static_assert(sizeof(AddressRequest) == 24);
 
 std::runtime_error systemFailure(const char* what) {
-  const char* error = std::strerror(errno);  // before an allocation can change errno
+  const char* error = std::strerror(errno);  // first, because an allocation may change errno
   return std::runtime_error(std::string(what) + error);
 }
 
@@ -72,7 +72,7 @@ void readKernelAddresses(AddressDump& dump, bool includeHostScope) {
   const int socketFd = socket(AF_NETLINK, SOCK_DGRAM, NETLINK_ROUTE);
   if (socketFd == -1) throw systemFailure("Fail to open netlink socket: ");
 
-  Buffer buffer{};  // one for the request and every reply
+  Buffer buffer{};  // holds the request, then each reply
   sendRequest(socketFd, buffer);
 
   AddressCollector collector(dump, includeHostScope, nameOfInterface);
@@ -84,7 +84,8 @@ void readKernelAddresses(AddressDump& dump, bool includeHostScope) {
       closeAndRaise(socketFd,
                     std::runtime_error("Incorrect format of RTM_GETADDR request response"));
     }
-    collector.collect(datagram);  // a nameless interface leaves the socket to the ending process
+    // If the name lookup throws, the socket stays open; the process is about to exit.
+    collector.collect(datagram);
   }
   close(socketFd);
 }

@@ -15,8 +15,8 @@
 namespace addrtool {
 namespace {
 
-// After a write has failed: whether the next one may succeed. Waits for that when standard output
-// is non-blocking and its reader has not yet made room.
+// Whether a failed write should be retried. When standard output is non-blocking and full, this
+// first waits until it takes more.
 bool canRetryWrite() {
   if (errno == EAGAIN) {
     pollfd output{STDOUT_FILENO, POLLOUT, 0};
@@ -25,9 +25,8 @@ bool canRetryWrite() {
   return errno == EINTR;
 }
 
-// Uses one write for each line: the panel may read while the rest is still being printed. Returns
-// false when the line cannot be written. The caller then prints no more, so that no line is missing
-// between two others.
+// Writes the line at once, so that the panel can read it before the rest is printed. Returns false
+// on a write error. The caller must then stop, so that no line is missing between two others.
 bool printLine(std::string line) {
   line += '\n';
   std::string_view rest = line;
@@ -42,7 +41,7 @@ bool printLine(std::string line) {
   return true;
 }
 
-std::string joinFields(const std::string& address, const std::string& netmask,
+std::string formatLine(const std::string& address, const std::string& netmask,
                        const std::string& interface, bool isPrimary) {
   std::string line;
   line.reserve(address.size() + netmask.size() + interface.size() + sizeof("   0\n"));
@@ -51,7 +50,7 @@ std::string joinFields(const std::string& address, const std::string& netmask,
   return line;
 }
 
-// The netmask text of the last prefix length: neighbours mostly share theirs.
+// Keeps the last netmask text, because neighbouring addresses usually share their prefix length.
 class NetmaskCache {
  public:
   const std::string& netmaskOf(const AddressRecord& record) {
@@ -71,12 +70,12 @@ bool printAddresses(const InterfaceRecord& interface, NetmaskCache& netmasks) {
   bool isPrimary = true;
   for (const AddressRecord& record : interface.ipv4) {
     const std::string& netmask = netmasks.netmaskOf(record);
-    if (!printLine(joinFields(record.address, netmask, interface.name, isPrimary))) return false;
+    if (!printLine(formatLine(record.address, netmask, interface.name, isPrimary))) return false;
     isPrimary = false;
   }
   return std::ranges::all_of(interface.ipv6, [&](const AddressRecord& record) {
     const std::string prefixLength = std::to_string(record.prefixLength);
-    return printLine(joinFields(record.address, prefixLength, interface.name, false));
+    return printLine(formatLine(record.address, prefixLength, interface.name, false));
   });
 }
 

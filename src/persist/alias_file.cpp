@@ -12,7 +12,7 @@
 namespace addrtool {
 namespace {
 
-// Its being there is all that counts, whatever it is.
+// Only existence matters, not type or content.
 bool isSuseSystem() {
   struct stat status {};
   return stat("/etc/SuSE-release", &status) == 0;
@@ -29,7 +29,7 @@ int writeAliasContent(std::FILE* /*oldFile*/, std::FILE* newFile, void* context)
   const std::string netmask = prefixToNetmask(alias.address);
   std::fprintf(newFile, "DEVICE=\"%s\"\nIPADDR=\"%s\"\nNETMASK=\"%s\"\n", alias.label.c_str(),
                alias.address.address.c_str(), netmask.c_str());
-  // There the network service starts only what says when to be started.
+  // SuSE starts only interfaces whose file sets STARTMODE.
   if (isSuseSystem()) std::fputs("STARTMODE='onboot'\n", newFile);
   return 0;
 }

@@ -1,5 +1,5 @@
-// Where the distribution keeps its interface configuration, and the files of IPv4 aliases there:
-// one small file for each alias, written when the alias is added and removed with it.
+// The paths of the interface configuration files, and the files of IPv4 aliases. Each alias has a
+// file of its own, which is written when the alias is added and removed when it is deleted.
 #pragma once
 
 #include <cstdio>
@@ -12,26 +12,26 @@ namespace addrtool {
 
 inline constexpr std::string_view networkScriptsDir = "/etc/sysconfig/network-scripts";
 
-/// The file of an alias label ("eth0:1") or of an interface ("eth0"). The label is taken as it is.
+/// Returns the path of the file of an alias label ("eth0:1") or an interface ("eth0"). The label is
+/// not checked.
 std::string interfaceConfigPath(const std::string& label);
 
-/// An address and whose file it belongs in.
+/// An address and the label whose file it belongs in.
 struct LabelledAddress {
   std::string label;  ///< the alias label (IPv4) or the interface name (IPv6)
   AddressRecord address;
 };
 
-/// Writes the alias's file anew; owner and mode of an earlier file of that name are kept, its
-/// content is not. Raises std::runtime_error, the path followed by ": " and the system's error
-/// text, when the file cannot be replaced. A disk found full at close is not noticed.
+/// Writes the alias file. Replaces the content of an existing file but keeps its owner and mode.
+/// Raises std::runtime_error, the path followed by ": " and the system's error text, when the file
+/// cannot be replaced. A failed write is not detected.
 void writeAliasFile(LabelledAddress alias);
 
-/// Removes the alias's file. One that is missing or cannot be removed is not worth a word.
+/// Removes the alias file. Ignores a missing file and any other failure.
 void removeAliasFile(const std::string& label);
 
-/// The FileWriter behind writeAliasFile, over any stream; `context` is a LabelledAddress, the old
-/// file is not looked at. Three lines that a shell can source, and a fourth on SuSE, which is
-/// looked for at that moment. Always returns 0.
+/// The FileWriter of writeAliasFile. Ignores `oldFile`; `context` points to a LabelledAddress.
+/// Writes three lines that a shell can source, and a fourth line on SuSE. Always returns 0.
 int writeAliasContent(std::FILE* oldFile, std::FILE* newFile, void* context);
 
 }  // namespace addrtool

@@ -18,15 +18,15 @@ namespace addrtool {
 namespace {
 
 constexpr std::string_view primaryKey = "IPV6ADDR=";
-constexpr std::string_view listStem = "IPV6ADDR_SECONDARIES";  // an addition asks for no more
+constexpr std::string_view listStem = "IPV6ADDR_SECONDARIES";  // an add matches longer keys, too
 constexpr std::string_view listKey = "IPV6ADDR_SECONDARIES=";
 constexpr const char* listStart = "IPV6ADDR_SECONDARIES=\"";
 constexpr const char* listEnd = "\"\n";
 
-constexpr std::size_t longestPiece = 8095;
+constexpr std::size_t longestPiece = 8095;  // longer lines are read in pieces (required)
 
-// The next line with its line feed, or the next piece of one that is longer than a piece may be.
-// Zero bytes are bytes like any other. False at the end of the file and on an error.
+// Reads the next line with its line feed, or the next piece of a long line. Zero bytes are ordinary
+// bytes. Returns false at the end of the file and on an error.
 bool readLine(std::FILE* file, std::string& line) {
   line.clear();
   int byte = 0;
@@ -42,7 +42,7 @@ std::vector<std::string> readLines(std::FILE* file) {
   return lines;
 }
 
-// A failed write is no failure of an edit, as it may show only later, when the file is closed.
+// A failed write is not detected (required).
 void writeText(const std::string& text, std::FILE* file) {
   std::fwrite(text.data(), 1, text.size(), file);
 }
@@ -62,7 +62,7 @@ std::string primaryAddress(const std::string& line) {
   return value.substr(0, value.find('/'));
 }
 
-// The text only grows: a second list in the file repeats what the first one became.
+// `list` is never reset, so a second list line repeats the first (required).
 int addToList(std::FILE* oldFile, std::FILE* newFile, const AddressRecord& added) {
   std::string list = listStart + formatIPv6Entry(added);
   bool isWritten = false;
@@ -90,9 +90,9 @@ std::string formatList(const std::vector<AddressRecord>& entries) {
   return list + listEnd;
 }
 
-// What the file lists, seen from one address.
+// The lists of a file, with respect to one address.
 struct ListedAddresses {
-  bool isPrimary = false;  // the address is the primary; the last such line decides
+  bool isPrimary = false;  // whether the last IPV6ADDR line has the address
   std::vector<AddressRecord> secondaries;
 };
 
@@ -107,7 +107,7 @@ ListedAddresses readLists(const std::vector<std::string>& lines, const std::stri
   return listed;
 }
 
-// The line of the first secondary as the primary, which it is from then on, whatever its address.
+// Promotes the first secondary, even if it is the address being removed. Returns the new line.
 std::string promoteFirst(std::vector<AddressRecord>& secondaries, const std::string& removed) {
   if (secondaries.empty()) throw std::runtime_error("Cannot remove last IPv6 address " + removed);
   std::string line = std::string(primaryKey) + formatIPv6Entry(secondaries.front()) + '\n';
@@ -140,7 +140,7 @@ int removeFromList(std::FILE* oldFile, std::FILE* newFile, const AddressRecord& 
 
 using Edit = int (*)(std::FILE* oldFile, std::FILE* newFile, const AddressRecord& address);
 
-// The caller's caller is C-style: what goes wrong is told here and becomes a result.
+// replaceFile expects a status, so report the exception here and return -1.
 int runEdit(Edit edit, std::FILE* oldFile, std::FILE* newFile, void* context) {
   try {
     return edit(oldFile, newFile, static_cast<const LabelledAddress*>(context)->address);
@@ -154,11 +154,11 @@ int runEdit(Edit edit, std::FILE* oldFile, std::FILE* newFile, void* context) {
 
 void parseIPv6List(const std::string& line, std::vector<AddressRecord>& entries) {
   constexpr const char* quotes = "'\"";
-  constexpr const char* blanks = " \t\n\v\f\r";  // a class of std::locale would double the program
+  constexpr const char* blanks = " \t\n\v\f\r";  // std::isspace with a locale doubles the program
   const std::size_t equals = line.find('=');
   if (equals == std::string::npos) return;
   const std::size_t start = std::min(line.find_first_not_of(quotes, equals + 1), line.size());
-  // An index from the start of the line serves as the length, so a closing quote stays in.
+  // The second argument is an index, not a length, so a closing quote stays in (required).
   const std::string value = line.substr(start, line.find_last_not_of(quotes));
 
   std::vector<std::string> tokens;

@@ -1,9 +1,9 @@
-// The IPv6 addresses of an interface, as its configuration file holds them: IPV6ADDR, the first
-// one, and IPV6ADDR_SECONDARIES, a list of the others separated by blanks. An edit touches the
-// lines of these keys and copies all others byte for byte.
+// Edits the IPv6 addresses in an interface's configuration file: IPV6ADDR holds the primary one,
+// and IPV6ADDR_SECONDARIES a list of the others, separated by blanks. All other lines are copied
+// byte for byte.
 //
-// The readers of these files are shells, but the lists are not read as a shell reads them: the
-// closing quote of a list stays part of its last entry, whose prefix length is then read as 0.
+// The list is not parsed as a shell would: the closing quote stays part of the last entry, whose
+// prefix length is then read as 0 (required).
 #pragma once
 
 #include <cstdio>
@@ -15,27 +15,30 @@
 
 namespace addrtool {
 
-/// Appends the "address/length" entries in the value of the line ("KEY=value"). A length that is
-/// no unsigned 16-bit number counts as 0. Raises std::runtime_error, the entry followed by
-/// ": cannot parse IPv6 address", for one without exactly one slash; those before it are appended.
+/// Appends the "address/length" entries in the value of the line ("KEY=value") to `entries`. A
+/// length that is not an unsigned 16-bit number counts as 0. Raises std::runtime_error, the entry
+/// followed by ": cannot parse IPv6 address", at an entry without exactly one slash; earlier
+/// entries stay appended.
 void parseIPv6List(const std::string& line, std::vector<AddressRecord>& entries);
 
-/// Puts the address in front of the list in the file of the interface that the label names.
-/// IPV6ADDR is not looked at, nor whether the address is listed already. Any key that begins with
-/// IPV6ADDR_SECONDARIES is taken for the list, and a second list repeats what the first became. A
-/// missing file stays missing without a word; a list that cannot be parsed is reported and the file
-/// stays as it was.
+/// Inserts the address at the front of the list in the interface's file. The label is the
+/// interface.
+/// - Does not read IPV6ADDR, and does not check whether the address is listed already.
+/// - Takes any key that starts with IPV6ADDR_SECONDARIES for the list.
+/// - Ignores a missing file and any failure to replace it.
+/// - Reports a list that cannot be parsed, and leaves the file unchanged.
 void addIPv6ToInterfaceFile(LabelledAddress added);
 
-/// Takes the address, in whatever form it is written, out of the file of the interface that the
-/// label names. Where it was IPV6ADDR, the first of the list takes its place; when the list is
-/// empty, that is reported and the file stays as it was. Else as addIPv6ToInterfaceFile. The
-/// prefix length of the record is not looked at.
+/// Removes the address, in any written form, from the interface's file. The label is the interface;
+/// the prefix length is ignored.
+/// - If the address is IPV6ADDR, the first list entry replaces it. If the list is empty, that is
+///   reported and the file stays unchanged.
+/// - Handles a missing file, a failure and a bad list as addIPv6ToInterfaceFile does.
 void removeIPv6FromInterfaceFile(LabelledAddress removed);
 
-/// The FileWriters behind the two edits, over any streams; `context` is the LabelledAddress, and
-/// there must be an old file. They report what is wrong with the old file through reportMessage,
-/// and return -1 then or when it cannot be read.
+/// The FileWriters of the two edits. `context` points to a LabelledAddress; `oldFile` must not be
+/// null. They return -1 when the old file cannot be read, and after reporting through reportMessage
+/// why it cannot be edited.
 int copyWithIPv6(std::FILE* oldFile, std::FILE* newFile, void* context);
 int copyWithoutIPv6(std::FILE* oldFile, std::FILE* newFile, void* context);
 

@@ -12,7 +12,7 @@ namespace {
 
 using TemporaryPath = std::array<char, 4096>;
 
-// What the new file takes over, with the values for a target that does not exist.
+// Owner and mode of the new file. The defaults are for a target that does not exist.
 struct Attributes {
   uid_t user = 0;
   gid_t group = 0;
@@ -26,18 +26,19 @@ bool readAttributes(const char* path, Attributes& attributes) {
   return true;
 }
 
-// The owner comes first, as a change of owner takes the set-id bits away. Neither result matters:
-// the content is worth more than its attributes.
+// chown clears the set-id bits, so chmod must come second. Failures of both are ignored: the
+// content matters more.
 void applyAttributes(const char* path, const Attributes& attributes) {
   [[maybe_unused]] const int ignored = chown(path, attributes.user, attributes.group);
   chmod(path, attributes.mode);
 }
 
-// Beside the target, so that the rename stays within one file system. Null for a failure; a
-// descriptor that cannot become a stream is given up together with its file.
+// Creates the temporary file in the target's directory, so that the rename stays within one file
+// system. Returns null on failure. If fdopen fails, the descriptor and the temporary file stay
+// behind (required).
 std::FILE* openTemporary(const char* path, TemporaryPath& temporary) {
   const int length = std::snprintf(temporary.data(), temporary.size(), "%s.XXXXXX", path);
-  if (static_cast<std::size_t>(length) >= temporary.size()) {  // as any negative length is
+  if (static_cast<std::size_t>(length) >= temporary.size()) {  // a negative length wraps
     errno = ENAMETOOLONG;
     return nullptr;
   }

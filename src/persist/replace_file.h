@@ -1,29 +1,28 @@
-// The one way to rewrite a file: new content goes to a temporary file beside the target, which is
-// then moved over it, so that a reader finds either the old content or the new, never a part.
-// Plain functions over plain data, as in the rest of the support library: nothing is printed,
-// nothing is raised.
+// Rewrites a file atomically: the new content goes to a temporary file beside the target, which is
+// then renamed over it. A reader sees either the old content or the new, never a part. C-style, as
+// the support library: no function here prints or throws.
 #pragma once
 
 #include <cstdio>
 
 namespace addrtool {
 
-/// Writes the new content of a file. `oldFile` is the present file opened for reading, or null
-/// when there is none; `newFile` is open for writing; `context` is what replaceFile was given.
-/// Opens and closes neither stream, raises nothing. Returns 0, or anything else for a failure.
+/// Writes the new content of a file. `oldFile` is the old file, open for reading, or null if there
+/// is none. `newFile` is open for writing. `context` comes from the caller of replaceFile. The
+/// writer closes neither stream and throws nothing. It returns 0, or any other value for a failure.
 using FileWriter = int (*)(std::FILE* oldFile, std::FILE* newFile, void* context);
 
-/// Replaces the file at `path` by what `writer` produces. The new file takes over owner, group
-/// and mode of the old one; without an old one they are 0, 0 and 0644. `mustExist` (a flag)
-/// refuses to make a file that was not there.
+/// Replaces the file at `path` with what `writer` produces. The new file gets the owner, group and
+/// mode of the old one; without an old one, it gets 0, 0 and 0644. If `mustExist` is not 0, a
+/// missing file is a failure.
 ///
-/// Returns 0 when the file has been replaced. Otherwise the target is as it was, and the result is
-/// - the writer's own, when the writer failed; the temporary file has been removed;
-/// - -1, when the system did, with `errno` as the failing call left it (ENAMETOOLONG for a path of
-///   4089 bytes or more); the temporary file, "<path>.XXXXXX", stays if it had been made.
+/// Returns 0 when the file was replaced. Otherwise the target is unchanged, and the result is
+/// - the writer's result if the writer failed; the temporary file has been removed;
+/// - -1 if a system call failed, with its errno (ENAMETOOLONG for a path of 4089 bytes or more); a
+///   temporary file that was already made, "<path>.XXXXXX", stays.
 ///
-/// Whether the content reached the disk is not examined: a write error that shows only when the
-/// new file is closed is not noticed. Two replacements at a time do not mix; the last one wins.
+/// A failed write of the new file is not detected. If two processes replace the same file at the
+/// same time, the last rename wins.
 int replaceFile(const char* path, FileWriter writer, void* context, int mustExist);
 
 }  // namespace addrtool

@@ -11,7 +11,7 @@
 namespace addrtool {
 namespace {
 
-// Two texts within a line; null in both when the line defines nothing.
+// Points into a line. Both are null when the line defines nothing.
 struct Definition {
   const char* name;
   const char* value;
@@ -34,18 +34,18 @@ char* skipSpace(char* text) {
   return text;
 }
 
-// Where the value ends. Of its first character nothing is asked: it is no white space and no #.
+// Returns the end of the value. The first character always belongs to the value.
 char* endOfValue(char* value) {
   char* marker = nullptr;
   char* next = value + 1;
   for (; !isEndOrComment(*next); ++next) {
-    // Each white-space character takes back what the one before it marked: see the header.
+    // A second white-space character clears the marker again (required, see the header).
     marker = isSpace(*next) && marker == nullptr ? next : nullptr;
   }
   return marker == nullptr ? next : marker;
 }
 
-// Finds the definition in a line and ends both of its texts there.
+// Finds the definition in a line and terminates its name and its value in place.
 Definition cutDefinition(char* line) {
   char* name = skipSpace(line);
   if (isEndOrComment(*name)) return {};
@@ -83,9 +83,10 @@ int storeDefinition(RuntimeConfiguration* table, char* line) {
 
 int readDefinitions(std::FILE* file, RuntimeConfiguration* table, char** line, std::size_t* size) {
   while (getline(line, size, file) != -1) {
-    const int readError = errno;  // the next call only repeats the failure that cut this line short
+    // If a read error cut this line short, the next getline fails without setting errno again.
+    const int readError = errno;
     if (storeDefinition(table, *line) != 0) return -1;
-    errno = readError;  // a log function may have changed it
+    errno = readError;  // the log function may have changed it
   }
   sortConfig(table);
   return std::feof(file) != 0 && std::ferror(file) == 0 ? 0 : logReadError();

@@ -1,18 +1,18 @@
-// Reads a configuration file: one definition to a line, a name, white space and a value. Blank
-// lines and what follows a # are comments. What cannot be read as a definition is logged and
-// skipped. Plain C style: nothing here raises.
+// Reads a configuration file. Each line defines a variable: a name, white space and a value. A #
+// starts a comment. A line that is not a definition is logged and skipped. C-style: no function
+// here throws.
 #pragma once
 
 #include "runtime/config_table.h"
 
 namespace addrtool {
 
-/// Adds the definitions of the file to the table and sorts it; the last definition of a name wins.
-/// Returns 0, or -1 with errno set when the file cannot be opened or read to its end or memory runs
-/// out; the table then holds what was read so far.
+/// Adds the definitions in the file to the table and sorts it. The last definition of a name wins.
+/// Returns 0. Returns -1 with errno set when the file cannot be opened or read, or when memory runs
+/// out; the table then holds the definitions read so far.
 ///
-/// White space at the end of a value is cut in an old way that files rely on: of an odd number of
-/// characters, the newline included, the last one goes; an even number stays.
+/// Trailing white space of a value, including the newline, is cut by an old rule (required): an odd
+/// number of characters loses the last one, an even number stays.
 int readConfigFile(const char* path, RuntimeConfiguration* table);
 
 }  // namespace addrtool

@@ -34,7 +34,7 @@ int allocateFirstSlots(RuntimeConfiguration* table) {
   return 0;
 }
 
-// Twice the capacity, or 20 more than there are entries where that overflows; 0 when neither goes.
+// Doubles; if that overflows, count + 20; 0 if that is too large as well.
 std::uint32_t nextCapacity(const RuntimeConfiguration& table) {
   constexpr std::uint32_t doublingLimit = std::numeric_limits<std::int32_t>::max();
   const std::uint32_t doubled = table.capacity >= doublingLimit ? 0 : table.capacity * 2;

@@ -1,5 +1,5 @@
-// The table that a configuration file is read into: names and values, each name once. Plain C
-// style: results are 0, or -1 with errno set; nothing here raises.
+// A table of names and values, each name once, which holds the content of a configuration file.
+// C-style: results are 0, or -1 with errno set. No function here throws.
 #pragma once
 
 #include <syslog.h>
@@ -8,8 +8,8 @@
 
 namespace addrtool {
 
-/// What goes wrong while a file is read is logged at this priority: a warning of the user facility,
-/// so the console does not show it unless the threshold is raised above all plain levels.
+/// The priority of everything that is logged while a file is read. The console sink compares the
+/// whole number, 12, with its threshold, 6, and so does not show these messages by default.
 inline constexpr int fileReaderPriority = LOG_USER | LOG_WARNING;
 
 struct ConfigEntry {
@@ -17,7 +17,7 @@ struct ConfigEntry {
   char* value;  ///< owned
 };
 
-/// All zero is an empty table. Slots beyond `count` are null, which freeConfig relies on.
+/// A table of zeros is empty. Slots beyond `count` must be null: freeConfig frees all slots.
 struct RuntimeConfiguration {
   ConfigEntry* entries;    ///< owned; null until first use
   std::uint32_t capacity;  ///< slots allocated
@@ -25,21 +25,21 @@ struct RuntimeConfiguration {
   int sorted;              ///< 1 while the entries are in ascending strcmp order of names
 };
 
-/// Sees to it that one more entry fits: 20 slots at first, then twice as many each time. Fails
-/// with errno ENOMEM, after logging unless it was the first allocation that failed.
+/// Makes room for one more entry: 20 slots at first, then twice as many each time. Fails with errno
+/// ENOMEM, and logs that unless the first allocation failed.
 int growConfig(RuntimeConfiguration* table);
 
-/// Stores copies of both texts. A name that is there already gets the new value, a new name is
-/// appended. On failure (ENOMEM, logged) the table holds what it held.
+/// Stores copies of both texts. Replaces the value of a known name, appends a new name. On failure
+/// (ENOMEM, logged) the table is unchanged.
 int setConfigEntry(RuntimeConfiguration* table, const char* name, const char* value);
 
-/// Sorts the entries by name if they are not sorted.
+/// Sorts the entries by name unless they are sorted already.
 void sortConfig(RuntimeConfiguration* table);
 
-/// The value stored for the name, owned by the table, or null.
+/// Returns the value of the name, which the table owns, or null.
 const char* findConfigEntry(const RuntimeConfiguration* table, const char* name);
 
-/// Frees all slots, the array and the table itself, which came from malloc(3). Null is ignored.
+/// Frees the entries, the array and the table itself, which must come from malloc(3). Ignores null.
 void freeConfig(RuntimeConfiguration* table);
 
 }  // namespace addrtool

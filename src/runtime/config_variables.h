@@ -1,5 +1,5 @@
-// The variables of the panel's runtime configuration file that are known at compile time: an index,
-// a name and a default for each. The first and the last are sentinels.
+// The variables of the panel's runtime configuration file, each with an index, a name and a default
+// value. The first and the last one are sentinels.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace addrtool {
 
-/// Indexes `configVariables`; named as in the configuration file.
+/// The index in `configVariables`. The names are those of the configuration file.
 enum class ConfigVariable : unsigned char {
   MIN_POSSIBLE_KEL_CONF_VAR,
   VEXA_MAILNAMES_D,
@@ -44,7 +44,7 @@ enum class ConfigVariable : unsigned char {
 inline constexpr std::size_t configVariableCount =
     static_cast<std::size_t>(ConfigVariable::MAX_POSSIBLE_KEL_CONF_VAR) + 1;
 
-/// What is known of one variable. Every value is a text, also where it is a number.
+/// The name and the default of one variable. Numbers are texts too.
 struct ConfigVariableInfo {
   const char* name;
   const char* defaultValue;

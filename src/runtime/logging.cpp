@@ -69,7 +69,7 @@ void setLogLevel(int level) {
   logEnabled = level < 1 ? 0 : 1;
   logThreshold = std::max(level, 0);
   if (logTarget == nullptr) {
-    const int lastBit = std::clamp(level, -1, 30);  // as far as a mask can tell levels apart
+    const int lastBit = std::clamp(level, -1, 30);  // the range of bits that an int mask has
     setlogmask(static_cast<int>((1U << static_cast<unsigned>(lastBit + 1)) - 1U));
   }
 }

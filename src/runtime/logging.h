@@ -1,30 +1,30 @@
-// The support library's log function, replaceable at run time: prioritised messages go to the
-// console or to syslog(3). The settings are plain process-wide values; as they are at start, what
-// is logged at a priority number up to 6 goes to standard error and standard output.
+// The log function of the support library, which can be replaced at run time. It sends messages
+// with a priority to the console or to syslog(3). The settings are process-wide. By default,
+// messages with a priority number of at most 6 go to standard error and to standard output.
 #pragma once
 
 #include <cstdarg>
 
 namespace addrtool {
 
-// The settings are meant to be written by whoever uses the library.
+// Users of the library may set these variables.
 // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
 
-/// Where the console sink prints: null or "console" for both streams, "stderr" for that alone (in
-/// any case of letters), anything else for neither. Null given to initLogging means syslog.
+/// The streams of the console sink: both for null or "console", standard error for "stderr", none
+/// for any other text. Upper and lower case are the same. In initLogging, null means syslog.
 extern const char* logTarget;
 
-/// The console sink prints only what has at most this priority number.
+/// The highest priority number that the console sink prints.
 extern int logThreshold;
 
-/// Kept by initLogging and setLogLevel for whoever asks.
+/// Set by initLogging and setLogLevel. This library does not read it.
 extern int logEnabled;
 
-/// The facility syslog is opened with.
+/// The facility for syslog.
 extern int logFacility;
 
-/// The log function and its va_list form. The priority is a syslog priority number, compared whole:
-/// one that carries a facility, as 12 does, is above the console's usual threshold.
+/// The log function and its va_list form. The priority is a syslog priority number. The console
+/// sink compares it whole, so a number with a facility, such as 12, is above the default threshold.
 extern
     __attribute__((format(printf, 2, 3))) void (*logMessage)(int priority, const char* format, ...);
 extern __attribute__((format(printf, 2, 0))) void (*logMessageV)(int priority, const char* format,
@@ -32,17 +32,18 @@ extern __attribute__((format(printf, 2, 0))) void (*logMessageV)(int priority, c
 
 // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
-/// The console sink: the text and a newline, flushed, on the streams of logTarget.
+/// The console sink. Prints the text and a newline on the streams of logTarget and flushes them.
 __attribute__((format(printf, 2, 3))) void consoleLog(int priority, const char* format, ...);
 __attribute__((format(printf, 2, 0))) void consoleLogV(int priority, const char* format,
                                                        va_list arguments);
 
-/// Chooses the sink: the console for a target, syslog opened anew with the other arguments (and the
-/// process id in every message) for null. The texts are kept, not copied. Then setLogLevel(level).
+/// Chooses the sink, then calls setLogLevel(level). A target selects the console sink. Null reopens
+/// syslog with the other arguments and adds the process id to each message. The texts are not
+/// copied and must stay valid.
 void initLogging(const char* target, int level, int facility, int options, const char* ident);
 
-/// Sets the threshold; a level below 1 turns both threshold and logEnabled to 0. Without a target
-/// syslog's mask, too, is set to all priorities up to the level.
+/// Sets logThreshold to the level and logEnabled to 1. A level below 1 sets both to 0. Without a
+/// target, also sets the syslog mask to all priorities up to the level.
 void setLogLevel(int level);
 
 }  // namespace addrtool

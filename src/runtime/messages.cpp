@@ -26,7 +26,7 @@ __attribute__((format(printf, 2, 0))) void formatText(MessageBuffer& buffer, con
   va_copy(again, arguments);
   const int needed = std::vsnprintf(buffer.text, buffer.size, format, arguments);
   if (needed < 0) {
-    buffer.text[0] = '\0';  // a character without a form in this locale: nothing was formatted
+    buffer.text[0] = '\0';  // the locale cannot represent a character, so there is no text
   } else {
     buffer.length = static_cast<std::size_t>(needed);
   }
@@ -48,8 +48,7 @@ void appendSystemError(MessageBuffer& buffer, int error) {
                                    error, std::strerror(error));
   if (static_cast<std::size_t>(needed) < room) return;
 
-  // The buffer is made to end one character behind the text, whatever the suffix needs, so a
-  // suffix that did not fit at once is lost. The panel knows its long messages without one.
+  // Only one byte is added, so a suffix that did not fit is dropped (required).
   if (void* grown = std::realloc(buffer.text, buffer.length + 2)) {
     buffer.text = static_cast<char*>(grown);
     buffer.text[buffer.length] = '\0';

@@ -1,37 +1,37 @@
-// The support library's message routine: a printf-style text, shown to the user on standard error
-// and again on standard output, that can end the process. With it, three helpers that report and
-// end. Plain C style: nothing here raises, and errno is an input (a text that is reported while
-// errno is set carries the system's error, related or not).
+// The message function of the support library: it formats a text, prints it on standard error and
+// on standard output, and can end the process. Three functions that check an argument use it.
+// C-style: no function here throws. errno is an input: if it is set, the message ends with the
+// system's error, related or not.
 #pragma once
 
 #include <cstddef>
 
 namespace addrtool {
 
-/// Null, or a program path: its last component and ": " then begin every message.
+/// If not null, every message starts with the last component of this path and ": ".
 extern const char* messageProgramName;  // NOLINT(*-avoid-non-const-global-variables): a setting
 
-/// Formats the text and prints it with printMessage. When errno is not 0, "\nSystem error %d: %s"
-/// with the number and its text follows; a suffix that no longer fits the buffer is dropped whole.
-/// The buffer takes 4095 characters; only for a longer text it grows, by what the text alone needs.
-/// Returns only when status is 0. `flag` has no meaning; callers pass 1.
+/// Formats the text and prints it with printMessage. If errno is not 0, "\nSystem error %d: %s"
+/// with its number and text follows. The buffer holds 4095 characters and only grows for a longer
+/// text; a suffix that does not fit is dropped. Returns only if status is 0. `flag` is unused;
+/// callers pass 1.
 __attribute__((format(printf, 3, 4))) void reportMessage(int status, int flag, const char* format,
                                                          ...);
 
-/// Prints the prefix, the message and a newline, unless the message brings its own, on standard
-/// error and then the same on standard output, flushing each. Ends the process with `status` when
-/// that is not 0; returns 0 otherwise. `flag` has no meaning.
+/// Prints the prefix and the message on standard error, then on standard output, and flushes each.
+/// Adds a newline unless the message ends with one. Ends the process with `status` if that is not
+/// 0, else returns 0. `flag` is unused.
 int printMessage(const char* message, int status, int flag);
 
-/// Reports operands that nothing took and ends with status 1, when argc is not `firstOperand` (the
-/// parser's optind).
+/// Reports leftover operands and ends the process with status 1, if argc is not `firstOperand`
+/// (optind of the parser).
 void checkLeftoverArguments(int argc, int firstOperand, char** argv);
 
-/// Reports a parameter that was named without a value (null or empty) and ends with status 1.
-/// A parameter that is not `present` needs no value.
+/// If the parameter is `present` but its value is null or empty, reports that and ends the process
+/// with status 1.
 void checkRequiredParameter(int present, const char* value, const char* name);
 
-/// realloc(3) that reports and ends with status 1 where that returns null.
+/// Calls realloc(3). If that returns null, reports it and ends the process with status 1.
 void* reallocOrDie(void* pointer, std::size_t size);
 
 }  // namespace addrtool

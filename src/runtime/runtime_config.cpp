@@ -59,7 +59,7 @@ const char* getConfigValueOrDefault(ConfigVariable variable) {
 }
 
 const char* getConfigValueByName(const char* name) {
-  // The upper sentinel, the last one, is never asked for.
+  // The last variable, the upper sentinel, cannot be looked up by name (required).
   for (std::size_t i = 0; i < indexOf(ConfigVariable::MAX_POSSIBLE_KEL_CONF_VAR); ++i) {
     if (std::strcmp(configVariables[i].name, name) == 0) {
       return getConfigValueOrDefault(static_cast<ConfigVariable>(i));

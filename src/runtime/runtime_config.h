@@ -1,28 +1,30 @@
-// The panel's shared runtime configuration: /etc/kel/kel.conf, read once in the life of the process
-// when it is first needed, with compile-time defaults for what it leaves out. Plain C style:
-// nothing here raises. All texts handed out belong to the library and stay valid to the end.
+// The panel's runtime configuration: /etc/kel/kel.conf, which is read when it is first needed, and
+// compile-time defaults. C-style: no function here throws. The library owns the returned texts,
+// which stay valid until the process ends.
 #pragma once
 
 #include "runtime/config_variables.h"
 
 namespace addrtool {
 
-/// Returns 0 when the configuration is loaded, now or earlier, else -1. Nothing of a failed load is
-/// kept, so the next call or lookup tries again.
+/// Loads the configuration unless it is loaded already. Returns 0, or -1 on failure. A failed load
+/// leaves nothing behind, so the next call or lookup tries again.
 int loadRuntimeConfiguration();
 
-/// The value the file gives to the name, or null; null also when the file cannot be loaded.
+/// Returns the value of the name in the file. Null if the name is not there or the file cannot be
+/// loaded.
 const char* lookupConfigFile(const char* name);
 
-/// The value the file gives to the variable, or null. A value found is remembered, a miss is not.
-/// Null too for an index outside of the table.
+/// Returns the value of the variable in the file. Null if the variable is not there or its index is
+/// outside of the table. A value is cached, a miss is not.
 const char* getConfigValue(ConfigVariable variable);
 
-/// The same, or else the default of the variable. Null only for an index outside of the table.
+/// Returns the value of the variable in the file, or its default if the variable is not there. Null
+/// only if its index is outside of the table.
 const char* getConfigValueOrDefault(ConfigVariable variable);
 
-/// The same by name. A name that is no variable's, or the upper sentinel's, is logged and gives
-/// null.
+/// Returns the value or the default of the variable with this name. Logs an unknown name and
+/// returns null; the name of the upper sentinel counts as unknown.
 const char* getConfigValueByName(const char* name);
 
 }  // namespace addrtool
