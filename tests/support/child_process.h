@@ -1,7 +1,8 @@
-// Runs a program, or a function in a forked child, with both output streams captured separately.
+// Runs a program, or a function in a child process, and captures both output streams separately.
 #pragma once
 
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,16 @@ struct Outcome {
   bool operator==(const Outcome&) const = default;
 };
 
-/// Exit status 0 and no output.
-inline const Outcome silentSuccess{0, 0, "", ""};
+/// Exit status 0 and this on standard output.
+inline Outcome success(const std::string& out) {
+  return {0, 0, out, ""};
+}
+inline const Outcome silentSuccess = success("");
+
+/// Exit status 1 and this line on standard error.
+inline Outcome failure(const std::string& message) {
+  return {1, 0, "", message + '\n'};
+}
 
 /// For readable failures.
 void PrintTo(const Outcome& outcome, std::ostream* stream);
@@ -26,11 +35,20 @@ void PrintTo(const Outcome& outcome, std::ostream* stream);
 /// Runs the command (found on the PATH) to its end, without standard input.
 Outcome runCommand(const std::vector<std::string>& command);
 
-/// Runs `sh -c script`; for what is shorter said in shell.
+/// Runs `sh -c script`.
 Outcome runShell(const std::string& script);
 
-/// Calls the function in a forked child, which then leaves through exit(0) unless the function
-/// ended it before. Streams are flushed as at any normal end.
+/// Calls the function in a child process, which then calls exit(0) if the function returns.
 Outcome runInChild(const std::function<void()>& function);
+
+/// The message of the std::runtime_error that the function throws, or "" if it throws none.
+inline std::string failureOf(const std::function<void()>& function) {
+  try {
+    function();
+    return "";
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+}
 
 }  // namespace addrtool::testing

@@ -1,6 +1,5 @@
 #include "support/sandbox_machine.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -11,14 +10,8 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "support/addresses.h"
-#include "support/files.h"
-#include "support/system_calls.h"
-
 namespace addrtool::testing {
 namespace {
-
-namespace fs = std::filesystem;
 
 // The sandbox's own /etc: it goes away with it.
 constexpr const char* recorder = "/etc/recording-ifconfig";
@@ -79,6 +72,29 @@ void prepare(const std::string& script) {
   if (outcome.exitStatus != 0) throw std::runtime_error(script + ": " + outcome.err);
 }
 
+std::string aliasText(const std::string& label, const std::string& address,
+                      const std::string& netmask) {
+  return "DEVICE=\"" + label + "\"\nIPADDR=\"" + address + "\"\nNETMASK=\"" + netmask + "\"\n";
+}
+
+void ip(const std::string& commands) {
+  writeFile("/etc/ip-batch", commands + '\n');
+  const Outcome outcome = runCommand({"ip", "-batch", "/etc/ip-batch"});
+  ASSERT_EQ(outcome.exitStatus, 0) << outcome.err << "\nafter: " << commands;
+}
+
+Lines addManyAddresses(int count, bool withLabels) {
+  Lines addresses;
+  std::string commands;
+  for (int n = 1; n <= count; ++n) {
+    addresses.push_back("10." + std::to_string(n / 250) + ".0." + std::to_string(n % 250));
+    commands += "address add " + addresses.back() + "/32 dev eth0" +
+                (withLabels ? " label eth0:" + std::to_string(n) : "") + '\n';
+  }
+  ip(commands);
+  return addresses;
+}
+
 void addAlias(const std::string& label, const std::string& addressAndLength) {
   const std::string interface = label.substr(0, label.find(':'));
   ip("address add " + addressAndLength + " dev " + interface + " label " + label);
@@ -100,6 +116,12 @@ Lines kernelAddresses() {
   for (std::string line; std::getline(output, line);) addresses.push_back(labelAndAddress(line));
   std::sort(addresses.begin(), addresses.end());
   return addresses;
+}
+
+Lines withFreshAddresses(Lines added) {
+  added.insert(added.end(), {"eth0 192.0.2.1/24", "eth0 2001:db8::1/64"});
+  std::sort(added.begin(), added.end());
+  return added;
 }
 
 void PrintTo(const NetworkFile& file, std::ostream* stream) {
@@ -151,22 +173,30 @@ std::vector<Lines> recordedCommands() {
 
 void expectRefused(const Lines& arguments, const std::string& message) {
   const MachineState before;
-  EXPECT_EQ(runAddrtool(arguments), (Outcome{1, 0, "", message + '\n'}));
+  EXPECT_EQ(runAddrtool(arguments), failure(message));
   EXPECT_EQ(MachineState(), before);
 }
 
-CommandLines traceCommandLines(const Lines& arguments) {
+void expectRefusedWith(const std::string& injection, const Lines& arguments,
+                       const std::string& message) {
+  const MachineState before;
+  EXPECT_EQ(traceCommand({"-e", injection}, addrtoolCommand(arguments)).outcome, failure(message));
+  EXPECT_EQ(MachineState(), before);
+}
+
+void expectCommandLines(const Lines& arguments, const Lines& commandLines, const Outcome& outcome) {
   static const std::string start = R"(execve("/bin/sh", ["sh", "-c", ")";
-  const auto [outcome, calls] =
+  const Trace trace =
       traceCommand({"-f", "-s", "4096", "-e", "trace=execve"}, addrtoolCommand(arguments));
-  Lines commandLines;
-  for (const std::string& call : calls) {
+  Lines traced;
+  for (const std::string& call : trace.calls) {
     const std::size_t at = call.find(start);
     if (at == std::string::npos) continue;
     const std::string rest = call.substr(at + start.size());
-    commandLines.push_back(rest.substr(0, rest.find("\"], 0x")));
+    traced.push_back(rest.substr(0, rest.find("\"], 0x")));
   }
-  return {outcome, commandLines};
+  EXPECT_EQ(trace.outcome, outcome);
+  EXPECT_EQ(traced, commandLines);
 }
 
 }  // namespace addrtool::testing

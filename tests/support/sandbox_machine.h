@@ -1,7 +1,8 @@
-// The machine of scripts/sandbox: its addresses, its network scripts, its /sbin/ifconfig, and the
-// program run on it. A test program with this file refuses to run its tests anywhere else.
+// What every system test needs: the sandbox's addresses, network scripts and /sbin/ifconfig, and
+// addrtool run in it. A test program with this file refuses to run its tests anywhere else.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/types.h>
 
 #include <filesystem>
@@ -11,20 +12,34 @@
 #include <vector>
 
 #include "support/child_process.h"
+#include "support/files.h"
+#include "support/system_calls.h"
 
 namespace addrtool::testing {
 
+namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
-inline const std::filesystem::path networkScripts = "/etc/sysconfig/network-scripts";
+inline const fs::path networkScripts = "/etc/sysconfig/network-scripts";
 
 /// The file of an alias label or of an interface.
-std::filesystem::path interfaceFile(const std::string& label);
+fs::path interfaceFile(const std::string& label);
 
-/// Runs what a test needs beforehand; raises with what it wrote when it fails.
+/// The contents of the file that the program writes for an alias.
+std::string aliasText(const std::string& label, const std::string& address,
+                      const std::string& netmask);
+
+/// Runs a shell script; throws what it wrote if it fails.
 void prepare(const std::string& script);
 
-/// Adds an alias behind the program's back: no file is written.
+/// Runs the lines as commands of ip(8); each must succeed.
+void ip(const std::string& commands);
+
+/// Adds that many addresses of length 32 to eth0, with labels eth0:1, eth0:2 ... if it is told to.
+/// Returns the addresses in the order of the kernel.
+Lines addManyAddresses(int count, bool withLabels = false);
+
+/// Adds an alias with ip(8), so no file is written.
 void addAlias(const std::string& label, const std::string& addressAndLength);
 
 /// Makes a second interface with these addresses, "10.0.0.1/24", and an interface file.
@@ -38,13 +53,20 @@ inline const std::string freshListing =
 /// Runs the program.
 Outcome runAddrtool(const Lines& arguments);
 
-/// That the program fails with this message, which is all it prints, and changes nothing.
+/// Expects that the program fails with this message, prints nothing else and changes nothing.
 void expectRefused(const Lines& arguments, const std::string& message);
+
+/// Expects the same of a run in which a system call fails: `injection` is an option of strace.
+void expectRefusedWith(const std::string& injection, const Lines& arguments,
+                       const std::string& message);
 
 /// The global addresses by `ip`, sorted: "eth0:1 192.0.2.10/24", "eth0 2001:db8::1/64".
 Lines kernelAddresses();
 
-/// A file of the network scripts. Of anything but a regular file only what `stat` says is held.
+/// The same for a fresh sandbox to which these were added.
+Lines withFreshAddresses(Lines added);
+
+/// A file of the network scripts. Of anything but a regular file only what `stat` says is kept.
 struct NetworkFile {
   std::string contents{};
   mode_t mode = 0100644;
@@ -68,20 +90,17 @@ struct MachineState {
 };
 void PrintTo(const MachineState& state, std::ostream* stream);
 
-/// What a shell that sources the file of the label has in each of the variables.
+/// The values of the variables in a shell that has sourced the file of the label.
 Lines valuesInShell(const std::string& label, const Lines& variables);
 
-/// Puts a script in the place of /sbin/ifconfig that notes its arguments and then does as told.
+/// Replaces /sbin/ifconfig by a program that records its arguments and then runs the script.
 void recordIfconfig(const std::string& script = "");
 
-/// The commands that the recording /sbin/ifconfig was run with, itself being the first word.
+/// The recorded commands, each as the words of its command line.
 std::vector<Lines> recordedCommands();
 
-/// The command lines that the program handed to the shell, byte for byte, and how it ended.
-struct CommandLines {
-  Outcome outcome;
-  Lines commandLines;
-};
-CommandLines traceCommandLines(const Lines& arguments);
+/// Expects that the program ends like this and hands exactly these command lines to the shell.
+void expectCommandLines(const Lines& arguments, const Lines& commandLines,
+                        const Outcome& outcome = silentSuccess);
 
 }  // namespace addrtool::testing

@@ -1,7 +1,6 @@
 // What --add does to the running system and to the files.
 #include "changes/add_address.h"
 
-#include <gtest/gtest.h>
 #include <linux/netlink.h>
 #include <net/if.h>
 #include <sys/socket.h>
@@ -9,16 +8,10 @@
 #include <unistd.h>
 
 #include <queue>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "support/child_process.h"
-#include "support/failure.h"
-#include "support/files.h"
 #include "support/netlink_bytes.h"
 #include "support/sandbox_machine.h"
-#include "support/system_calls.h"
 
 namespace addrtool::testing {
 namespace {
@@ -26,30 +19,40 @@ namespace {
 // What recv(2) gives in the kernel's place, as long as there is something.
 std::queue<std::string> replies;
 
-std::string aliasText(const std::string& label, const std::string& address,
-                      const std::string& netmask) {
-  return "DEVICE=\"" + label + "\"\nIPADDR=\"" + address + "\"\nNETMASK=\"" + netmask + "\"\n";
-}
-
 // --- IPv4 --------------------------------------------------------------------
 
 TEST(AddAddress, PutsIPv4OnAnAliasWithAFileOfItsOwn) {
   NetworkFiles files = networkFiles();
   EXPECT_EQ(runAddrtool({"--add", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
-  EXPECT_EQ(kernelAddresses(),
-            (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64", "eth0:1 192.0.2.10/24"}));
+  EXPECT_EQ(kernelAddresses(), withFreshAddresses({"eth0:1 192.0.2.10/24"}));
   files["ifcfg-eth0:1"] = {aliasText("eth0:1", "192.0.2.10", "255.255.255.0")};
   EXPECT_EQ(networkFiles(), files);
   EXPECT_EQ(valuesInShell("eth0:1", {"DEVICE", "IPADDR", "NETMASK"}),
             (Lines{"eth0:1", "192.0.2.10", "255.255.255.0"}));
 }
 
-TEST(AddAddress, GivesAnAliasFileTheModeOfConfigurationWhateverTheUmask) {
+TEST(AddAddress, GivesANewFileToRootWhateverTheUmaskAndTheDirectory) {
+  prepare("chown :34 " + networkScripts.string() + "; chmod g+s " + networkScripts.string());
   ASSERT_EQ(runShell("umask 077; addrtool -a eth0 192.0.2.10 255.255.255.0"), silentSuccess);
   EXPECT_EQ(networkFiles().at("ifcfg-eth0:1"),
             (NetworkFile{aliasText("eth0:1", "192.0.2.10", "255.255.255.0"), 0100644, 0, 0}));
 }
 
+TEST(AddAddress, SetsOwnerThenModeThenRenamesAndNeverSyncs) {
+  const auto [outcome, calls] = traceCommand(
+      {"-e", "trace=chown,chmod,rename,unlink,fsync,fdatasync,syncfs,sync", "-e", "signal=none"},
+      {"addrtool", "--add", "eth0", "10.0.0.5", "255.255.255.0"});
+  EXPECT_EQ(outcome, silentSuccess);
+  ASSERT_FALSE(calls.empty());
+  const std::string file = '"' + interfaceFile("eth0:1").string();
+  const std::string temporary = calls[0].substr(6, calls[0].find(',') - 6);  // after "chown("
+  EXPECT_TRUE(temporary.starts_with(file + ".")) << temporary;
+  EXPECT_EQ(calls,
+            (Lines{"chown(" + temporary + ", 0, 0) = 0", "chmod(" + temporary + ", 0644) = 0",
+                   "rename(" + temporary + ", " + file + "\") = 0"}));
+}
+
+// A left-over file does not take a number: only the kernel's labels do.
 TEST(AddAddress, ReplacesALeftOverAliasFileButKeepsItsOwnerAndMode) {
   const std::string file = interfaceFile("eth0:1");
   writeFile(file, "DEVICE=eth0:1\nIPADDR=203.0.113.9\nONBOOT=no\nMTU=1400\n# a long comment\n");
@@ -58,14 +61,6 @@ TEST(AddAddress, ReplacesALeftOverAliasFileButKeepsItsOwnerAndMode) {
   EXPECT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
   EXPECT_EQ(networkFiles().at("ifcfg-eth0:1"),
             (NetworkFile{aliasText("eth0:1", "192.0.2.10", "255.255.255.0"), 0107640, 12, 34}));
-}
-
-TEST(AddAddress, SaysOnSuseWhenTheAliasIsToBeStarted) {
-  writeFile("/etc/SuSE-release", "");
-  EXPECT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
-  EXPECT_EQ(readFile(interfaceFile("eth0:1")),
-            aliasText("eth0:1", "192.0.2.10", "255.255.255.0") + "STARTMODE='onboot'\n");
-  EXPECT_EQ(valuesInShell("eth0:1", {"IPADDR", "STARTMODE"}), (Lines{"192.0.2.10", "onboot"}));
 }
 
 TEST(AddAddress, TakesTheLowestFreeNumberOfTheInterface) {
@@ -80,18 +75,11 @@ TEST(AddAddress, TakesTheLowestFreeNumberOfTheInterface) {
     EXPECT_EQ(runAddrtool({"-a", "eth0", address, "255.255.255.0"}), silentSuccess);
     EXPECT_EQ(valuesInShell(label, {"IPADDR"}), Lines{address});
   }
-  EXPECT_EQ(kernelAddresses(),
-            (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64", "eth0:1 10.0.0.1/32",
-                   "eth0:10 10.0.0.3/32", "eth0:2 192.0.2.12/24", "eth0:3 192.0.2.13/24",
-                   "eth0:4 10.0.0.4/32", "eth0:5 192.0.2.15/24", "eth0:web 10.0.0.2/32",
-                   "eth1 198.51.100.1/24", "eth1:2 10.0.0.5/32"}));
-}
-
-// The kernel decides about labels that are taken, not the files.
-TEST(AddAddress, DoesNotLookAtTheFilesForAFreeNumber) {
-  writeFile(interfaceFile("eth0:1"), "");
-  EXPECT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
-  EXPECT_EQ(valuesInShell("eth0:1", {"IPADDR"}), Lines{"192.0.2.10"});
+  EXPECT_EQ(
+      kernelAddresses(),
+      withFreshAddresses({"eth0:1 10.0.0.1/32", "eth0:2 192.0.2.12/24", "eth0:3 192.0.2.13/24",
+                          "eth0:4 10.0.0.4/32", "eth0:5 192.0.2.15/24", "eth0:10 10.0.0.3/32",
+                          "eth0:web 10.0.0.2/32", "eth1 198.51.100.1/24", "eth1:2 10.0.0.5/32"}));
 }
 
 TEST(AddAddress, TakesTheNetmaskOfThePrefixLength) {
@@ -115,21 +103,12 @@ TEST(AddAddress, TakesTheNetmaskOfThePrefixLength) {
   }
 }
 
-TEST(AddAddress, KeepsTheTypedTextOfAnIPv4Address) {
+TEST(AddAddress, KeepsTheTypedTextInTheFile) {
   EXPECT_EQ(runAddrtool({"-a", "eth0", "10.0.0.013", "255.255.255.0"}), silentSuccess);
-  EXPECT_EQ(kernelAddresses().back(), "eth0:1 10.0.0.11/24");
+  EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:DB8:0::5", "64"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses(), withFreshAddresses({"eth0:1 10.0.0.11/24", "eth0 2001:db8::5/64"}));
   EXPECT_EQ(valuesInShell("eth0:1", {"IPADDR"}), Lines{"10.0.0.013"});
-}
-
-TEST(AddAddress, TriesTheNextNumberForAnAddressThatIsThere) {
-  ASSERT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
-  const MachineState before;
-  const auto [outcome, commandLines] =
-      traceCommandLines({"-a", "eth0", "192.0.2.10", "255.255.255.0"});
-  EXPECT_EQ(outcome.exitStatus, 1);
-  EXPECT_EQ(commandLines,
-            Lines{"/sbin/ifconfig 'eth0:2' '192.0.2.10' netmask  '255.255.255.0' up"});
-  EXPECT_EQ(MachineState(), before);
+  EXPECT_EQ(valuesInShell("eth0", {"IPV6ADDR_SECONDARIES"}), Lines{"2001:DB8:0::5/64"});
 }
 
 TEST(AddAddress, RefusesATextThatIsNoNetmask) {
@@ -188,14 +167,9 @@ TEST(AddAddress, LeavesTheFilesAloneWhenTheIPv4CommandFails) {
                 " exited with non-zero status 1");
 }
 
-TEST(AddAddress, PassesOnThatTheKernelCannotBeAsked) {
-  const MachineState before;
-  const auto [outcome, calls] =
-      traceCommand({"-e", "inject=sendto:error=ENOBUFS"},
-                   {"addrtool", "-a", "eth0", "192.0.2.10", "255.255.255.0"});
-  EXPECT_EQ(outcome,
-            (Outcome{1, 0, "", "Can not send RTM_GETADDR request: No buffer space available\n"}));
-  EXPECT_EQ(MachineState(), before);
+TEST(AddAddress, ReportsThatTheKernelCannotBeAsked) {
+  expectRefusedWith("inject=sendto:error=ENOBUFS", {"-a", "eth0", "192.0.2.10", "255.255.255.0"},
+                    "Can not send RTM_GETADDR request: No buffer space available");
 }
 
 // --- IPv6 --------------------------------------------------------------------
@@ -203,8 +177,7 @@ TEST(AddAddress, PassesOnThatTheKernelCannotBeAsked) {
 TEST(AddAddress, PutsIPv6OnTheInterfaceAndInItsFile) {
   NetworkFiles files = networkFiles();
   EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::5", "64"}), silentSuccess);
-  EXPECT_EQ(kernelAddresses(),
-            (Lines{"eth0 192.0.2.1/24", "eth0 2001:db8::1/64", "eth0 2001:db8::5/64"}));
+  EXPECT_EQ(kernelAddresses(), withFreshAddresses({"eth0 2001:db8::5/64"}));
   files["ifcfg-eth0"].contents += "IPV6ADDR_SECONDARIES=\"2001:db8::5/64\"\n";
   EXPECT_EQ(networkFiles(), files);
   EXPECT_EQ(valuesInShell("eth0", {"DEVICE", "IPV6ADDR", "IPV6ADDR_SECONDARIES"}),
@@ -218,12 +191,6 @@ TEST(AddAddress, LosesThePrefixLengthOfTheLastListedIPv6Address) {
   }
   EXPECT_EQ(valuesInShell("eth0", {"IPV6ADDR", "IPV6ADDR_SECONDARIES"}),
             (Lines{"2001:db8::1/64", "2001:db8::7/64 2001:db8::6/64 2001:db8::5/0"}));
-}
-
-TEST(AddAddress, KeepsTheTypedTextOfAnIPv6Address) {
-  EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:DB8:0::5", "64"}), silentSuccess);
-  EXPECT_EQ(kernelAddresses().back(), "eth0 2001:db8::5/64");
-  EXPECT_EQ(valuesInShell("eth0", {"IPV6ADDR_SECONDARIES"}), Lines{"2001:DB8:0::5/64"});
 }
 
 TEST(AddAddress, KeepsOwnerAndModeOfTheInterfacesFile) {
@@ -259,32 +226,26 @@ TEST(AddAddress, RefusesATextThatIsNoPrefixLength) {
 TEST(AddAddress, TakesAnyTextWithAColonForIPv6) {
   expectRefused({"-a", "eth0", "192.0.2.10:", "255.255.255.0"},
                 "255.255.255.0: cannot convert to int");
-  const MachineState before;
-  const Outcome outcome = runAddrtool({"-a", "eth0", ":", "64"});
-  EXPECT_EQ(outcome.exitStatus, 1);
-  EXPECT_NE(outcome.err.find("/sbin/ifconfig eth0 add :/64 exited with non-zero status "),
-            std::string::npos);
-  EXPECT_EQ(MachineState(), before);
 }
 
-TEST(AddAddress, LeavesItToTheCommandToMissTheInterfaceOfAnIPv6Address) {
+TEST(AddAddress, LeavesItToTheCommandToRefuseWhatTheKernelRefuses) {
+  ASSERT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
+  const std::vector<std::pair<Lines, std::string>> rows{
+      {{"-a", "eth0", "192.0.2.10", "255.255.255.0"},  // is there, as alias 1
+       "'eth0:2' '192.0.2.10' netmask  '255.255.255.0' up exited with non-zero status 255\n"},
+      {{"-a", "eth0", "2001:db8::1", "64"},  // is there
+       "eth0 add 2001:db8::1/64 exited with non-zero status 1\n"},
+      {{"-a", "eth9", "2001:db8::5", "64"},
+       "eth9 add 2001:db8::5/64 exited with non-zero status 1\n"},
+      {{"-a", "eth0", ":", "64"}, "eth0 add :/64 exited with non-zero status 1\n"},
+  };
   const MachineState before;
-  const Outcome outcome = runAddrtool({"-a", "eth9", "2001:db8::5", "64"});
-  EXPECT_EQ(outcome.exitStatus, 1);
-  EXPECT_TRUE(outcome.err.ends_with(
-      "/sbin/ifconfig eth9 add 2001:db8::5/64 exited with non-zero status 1\n"))
-      << outcome.err;
-  EXPECT_EQ(MachineState(), before);
-}
-
-TEST(AddAddress, LeavesItToTheCommandToRefuseAnIPv6AddressThatIsThere) {
-  const MachineState before;
-  const Outcome outcome = runAddrtool({"-a", "eth0", "2001:db8::1", "64"});
-  EXPECT_EQ(outcome.exitStatus, 1);
-  EXPECT_TRUE(outcome.err.ends_with(
-      "/sbin/ifconfig eth0 add 2001:db8::1/64 exited with non-zero status 1\n"))
-      << outcome.err;
-  EXPECT_EQ(MachineState(), before);
+  for (const auto& [arguments, end] : rows) {
+    const Outcome outcome = runAddrtool(arguments);
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_TRUE(outcome.err.ends_with("/sbin/ifconfig " + end)) << outcome.err;
+    EXPECT_EQ(MachineState(), before);
+  }
 }
 
 TEST(AddAddress, NeverReadsTheKernelForAnIPv6Address) {
@@ -295,11 +256,13 @@ TEST(AddAddress, NeverReadsTheKernelForAnIPv6Address) {
 }
 
 TEST(AddAddress, MakesNoFileForAnInterfaceThatHasNone) {
-  addInterface("eth1", {});
+  addInterface("eth1", {"2001:db8:1::1/64"});
   prepare("rm " + interfaceFile("eth1").string());
   const NetworkFiles files = networkFiles();
-  EXPECT_EQ(runAddrtool({"-a", "eth1", "2001:db8::5", "64"}), silentSuccess);
-  EXPECT_EQ(kernelAddresses().back(), "eth1 2001:db8::5/64");
+  EXPECT_EQ(runAddrtool({"-a", "eth1", "2001:db8:1::5", "64"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses().back(), "eth1 2001:db8:1::5/64");
+  EXPECT_EQ(runAddrtool({"-d", "2001:db8:1::1"}), silentSuccess);
+  EXPECT_EQ(kernelAddresses(), withFreshAddresses({"eth1 2001:db8:1::5/64"}));
   EXPECT_EQ(networkFiles(), files);
 }
 

@@ -1,17 +1,10 @@
 // What /etc/kel/kel.conf means to a run of the program: it is read, and nothing comes of it.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <filesystem>
-#include <string>
-
-#include "support/child_process.h"
-#include "support/files.h"
+#include "support/sandbox_machine.h"
 
 namespace addrtool::testing {
 namespace {
-
-namespace fs = std::filesystem;
 
 const fs::path config = "/etc/kel/kel.conf";
 

@@ -1,103 +1,40 @@
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
-
-#include "support/child_process.h"
-#include "support/files.h"
+// The answers of --qv-assigned-ip. tests/unit/container holds how a line is searched.
+#include "support/sandbox_machine.h"
 
 namespace addrtool::testing {
 namespace {
 
-namespace fs = std::filesystem;
-
-const fs::path veinfo = "/proc/qv/veinfo";
-
-// The answers of one run of the program to all the addresses.
-Outcome check(const std::vector<std::string>& addresses) {
-  std::vector<std::string> command{"addrtool"};
-  for (const std::string& address : addresses) command.insert(command.end(), {"-v", address});
-  return runCommand(command);
-}
-
-Outcome answer(const std::string& digits) {
-  return {0, 0, digits, ""};
-}
-
-// Makes a fresh /proc/qv with the file in it.
-void publish(const std::string& contents) {
-  fs::create_directory(veinfo.parent_path());
-  writeFile(veinfo, contents);
-}
-
-struct ContainerCheck : ::testing::Test {
-  void SetUp() override { fs::remove_all(veinfo.parent_path()); }
-};
-
-TEST_F(ContainerCheck, WithoutTheFileNothingIsAssigned) {
-  EXPECT_EQ(check({"10.0.0.1"}), answer("0"));
-  EXPECT_EQ(check({""}), answer("0"));
-  fs::create_directory(veinfo.parent_path());
-  EXPECT_EQ(check({"10.0.0.1", ""}), answer("00"));
-}
-
-TEST_F(ContainerCheck, AnAddressInTheFileIsAssigned) {
-  publish("101 0 2 10.0.0.1 10.0.0.2\n2001:db8::1\n");
-  EXPECT_EQ(check({"10.0.0.1"}), answer("1"));
-  EXPECT_EQ(check({"10.0.0.2"}), answer("1"));
-  EXPECT_EQ(check({"2001:db8::1"}), answer("1"));
-  EXPECT_EQ(check({"10.0.0.3"}), answer("0"));
-  EXPECT_EQ(runCommand({"addrtool", "--qv-assigned-ip", "10.0.0.1"}), answer("1"));
-}
-
-TEST_F(ContainerCheck, AnAddressWithinALongerOneIsFound) {
-  publish("10.0.0.12\n");
-  EXPECT_EQ(check({"10.0.0.1"}), answer("1"));
-  EXPECT_EQ(check({"0.0.0.12"}), answer("1"));
-}
-
-TEST_F(ContainerCheck, TheAddressIsNotNormalised) {
-  publish("2001:db8::1\n");
-  EXPECT_EQ(check({"2001:DB8::1"}), answer("0"));
-  EXPECT_EQ(check({"2001:db8:0::1"}), answer("0"));
-}
-
-TEST_F(ContainerCheck, ALastLineWithoutANewlineIsSearched) {
-  publish("first\n10.0.0.1");
-  EXPECT_EQ(check({"10.0.0.1"}), answer("1"));
-}
-
-TEST_F(ContainerCheck, TheEmptyAddressNeedsOnlyAFileThatOpens) {
-  publish("");
-  EXPECT_EQ(check({""}), answer("1"));
-  EXPECT_EQ(check({"10.0.0.1"}), answer("0"));
-  publish("10.0.0.1\n");
-  EXPECT_EQ(check({""}), answer("1"));
-}
-
-TEST_F(ContainerCheck, ADirectoryInPlaceOfTheFileHoldsNoAddress) {
-  fs::create_directories(veinfo);
-  EXPECT_EQ(check({"10.0.0.1"}), answer("0"));
-  EXPECT_EQ(check({""}), answer("1"));
-}
-
-TEST_F(ContainerCheck, AReadErrorIsNoFailure) {
-  fs::create_directory(veinfo.parent_path());
-  fs::create_symlink("/proc/self/mem", veinfo);  // opens, but has nothing to read at its start
-  EXPECT_EQ(check({"10.0.0.1"}), answer("0"));
-}
-
-TEST_F(ContainerCheck, AFileThatCannotBeOpenedIsNoFailure) {
-  fs::create_directory(veinfo.parent_path());
-  fs::create_symlink("veinfo", veinfo);
-  EXPECT_EQ(check({"10.0.0.1", ""}), answer("00"));
-}
-
-TEST_F(ContainerCheck, EachAskedAddressGetsItsDigitAndNothingBetween) {
-  publish("10.0.0.1\n");
-  EXPECT_EQ(check({"10.0.0.1", "10.0.0.9"}), answer("10"));
-  EXPECT_EQ(check({"10.0.0.9", "10.0.0.1", "10.0.0.1"}), answer("011"));
+TEST(ContainerCheck, AnswersADigitForEachAddressAndNothingElse) {
+  struct Row {
+    std::string preparation;  // in a sandbox without /proc/qv
+    Lines addresses;
+    std::string answer;
+  };
+  const std::string inDirectory = "mkdir /proc/qv; cd /proc/qv; ";
+  const std::vector<Row> rows{
+      {"true", {"10.0.0.1", ""}, "00"},
+      {inDirectory, {"10.0.0.1", ""}, "00"},
+      {inDirectory + "printf '101 0 2 10.0.0.1 10.0.0.2\\n2001:db8::1\\n' >veinfo",
+       {"10.0.0.1", "10.0.0.2", "2001:db8::1", "10.0.0.3", ""},
+       "11101"},
+      {inDirectory + "echo 10.0.0.12 >veinfo", {"10.0.0.1", "0.0.0.12"}, "11"},
+      {inDirectory + "echo 2001:db8::1 >veinfo", {"2001:DB8::1", "2001:db8:0::1"}, "00"},
+      {inDirectory + "printf 'first\\n10.0.0.1' >veinfo",
+       {"10.0.0.9", "10.0.0.1", "10.0.0.1", "10.0.0.9"},
+       "0110"},
+      {inDirectory + "touch veinfo", {"", "10.0.0.1"}, "10"},
+      {inDirectory + "mkdir veinfo", {"10.0.0.1", ""}, "01"},
+      {inDirectory + "ln -s veinfo veinfo", {"10.0.0.1", ""}, "00"},
+      // It opens, but has nothing to read at its start.
+      {inDirectory + "ln -s /proc/self/mem veinfo", {"10.0.0.1"}, "0"},
+  };
+  for (const auto& [preparation, addresses, answer] : rows) {
+    prepare("rm -rf /proc/qv; " + preparation);
+    Lines arguments;
+    for (const std::string& address : addresses) arguments.insert(arguments.end(), {"-v", address});
+    EXPECT_EQ(runAddrtool(arguments), success(answer)) << preparation;
+    EXPECT_EQ(runAddrtool({"--qv-assigned-ip", addresses[0]}), success(answer.substr(0, 1)));
+  }
 }
 
 }  // namespace

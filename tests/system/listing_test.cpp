@@ -1,21 +1,14 @@
 #include "inventory/listing.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <string>
-#include <vector>
 
 #include "inventory/address_inventory.h"
-#include "support/addresses.h"
-#include "support/child_process.h"
-#include "support/failure.h"
 #include "support/sandbox_machine.h"
-#include "support/system_calls.h"
 
 namespace addrtool::testing {
 namespace {
@@ -187,7 +180,7 @@ TEST(Listing, EveryLineIsAWriteOfItsOwn) {
   ip("address add 192.0.2.2/24 dev eth0 label eth0:1");
   const Trace trace = traceCommand({"-e", "trace=write"}, {"addrtool", "--list"});
   EXPECT_EQ(callsStarting("write(1, ", trace.calls),
-            (std::vector<std::string>{
+            (Lines{
                 R"(write(1, "192.0.2.1 255.255.255.0 eth0 1\n", 31) = 31)",
                 R"(write(1, "192.0.2.2 255.255.255.0 eth0 0\n", 31) = 31)",
                 R"(write(1, "2001:db8::1 64 eth0 0\n", 22) = 22)",
@@ -225,9 +218,8 @@ TEST(Listing, LinesThatCannotBeWrittenAreLostWithoutAWord) {
 
 TEST(Listing, NothingFollowsALineThatCannotBeWritten) {
   ip("address add 192.0.2.2/24 dev eth0 label eth0:1");
-  const std::vector<std::string> lines{"192.0.2.1 255.255.255.0 eth0 1\n",
-                                       "192.0.2.2 255.255.255.0 eth0 0\n",
-                                       "2001:db8::1 64 eth0 0\n"};
+  const Lines lines{"192.0.2.1 255.255.255.0 eth0 1\n", "192.0.2.2 255.255.255.0 eth0 0\n",
+                    "2001:db8::1 64 eth0 0\n"};
   std::string printed;
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const std::string fault = "inject=write:error=ENOSPC:when=" + std::to_string(i + 1);
@@ -311,8 +303,8 @@ TEST(Listing, IsCompleteThroughAFullNonBlockingPipe) {
 
 // --- what no option reaches ---
 
-std::vector<std::string> describe(const AddressInventory& inventory) {
-  std::vector<std::string> lines;
+Lines describe(const AddressInventory& inventory) {
+  Lines lines;
   for (const InterfaceRecord& interface : inventory) {
     lines.push_back(interface.name);
     for (const auto* records : {&interface.ipv4, &interface.ipv6}) {
@@ -327,13 +319,12 @@ std::vector<std::string> describe(const AddressInventory& inventory) {
 TEST(Inventory, HoldsTheManagedAddressesByInterface) {
   ip("address add 192.0.2.2/24 dev eth0 label eth0:1");
   EXPECT_EQ(describe(buildAddressInventory(false)),
-            (std::vector<std::string>{"eth0", "192.0.2.1/24", "192.0.2.2/24", "2001:db8::1/64"}));
+            (Lines{"eth0", "192.0.2.1/24", "192.0.2.2/24", "2001:db8::1/64"}));
 }
 
 TEST(Inventory, WithHostScopeHoldsLoopbackToo) {
   EXPECT_EQ(describe(buildAddressInventory(true)),
-            (std::vector<std::string>{"eth0", "192.0.2.1/24", "2001:db8::1/64", "lo", "127.0.0.1/8",
-                                      "::1/128"}));
+            (Lines{"eth0", "192.0.2.1/24", "2001:db8::1/64", "lo", "127.0.0.1/8", "::1/128"}));
 }
 
 TEST(Inventory, IsEmptyOnAMachineWithOnlyLoopback) {

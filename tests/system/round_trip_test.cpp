@@ -1,18 +1,13 @@
 // Two hundred random changes, each checked three ways against a model: what the kernel has, what
 // the program lists, and every byte of the files.
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <map>
 #include <random>
 #include <sstream>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "support/child_process.h"
-#include "support/files.h"
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {

@@ -2,25 +2,19 @@
 // the process, so each run of it is a child.
 #include "runtime/runtime_config.h"
 
-#include <gtest/gtest.h>
 #include <malloc.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <functional>
-#include <string>
 
-#include "support/child_process.h"
 #include "support/failing_allocator.h"
-#include "support/files.h"
 #include "support/log_recorder.h"
+#include "support/sandbox_machine.h"
 
 namespace addrtool::testing {
 namespace {
-
-namespace fs = std::filesystem;
 
 const fs::path config = "/etc/kel/kel.conf";
 constexpr const char* definesNothing = "# nothing\n";

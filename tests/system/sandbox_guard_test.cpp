@@ -1,12 +1,6 @@
 // Whatever changes addresses or system files refuses to run outside a sandbox. To be safe even if a
 // refusal fails, these tests run in a sandbox whose marks are hidden under a fresh /proc.
-#include <gtest/gtest.h>
 
-#include <filesystem>
-#include <string>
-#include <vector>
-
-#include "support/child_process.h"
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {

@@ -1,11 +1,6 @@
 // What the program and its commands write to standard output and to standard error, in one file:
 // the order is that in which things happened.
-#include <gtest/gtest.h>
 
-#include <string>
-
-#include "support/child_process.h"
-#include "support/files.h"
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {

@@ -1,5 +1,4 @@
 // The log functions with the real syslog(3), which writes to the socket /dev/log.
-#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <syslog.h>
@@ -8,11 +7,9 @@
 #include <array>
 #include <regex>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "runtime/logging.h"
-#include "support/child_process.h"
+#include "support/sandbox_machine.h"
 
 namespace addrtool::testing {
 namespace {
@@ -34,9 +31,9 @@ class LogSocket {
   LogSocket& operator=(LogSocket&&) = delete;
 
   // The messages that came so far, without their time stamps.
-  std::vector<std::string> take() const {
+  Lines take() const {
     const std::regex form("(<[0-9]+>)[A-Z][a-z]{2} [ 0-9]{2} [0-9:]{8} ([^]*?)\n?");
-    std::vector<std::string> messages;
+    Lines messages;
     std::array<char, 4096> buffer{};
     for (ssize_t n = 0; (n = recv(fd_, buffer.data(), buffer.size(), MSG_DONTWAIT)) >= 0;) {
       const std::string message(buffer.data(), static_cast<std::size_t>(n));
@@ -67,10 +64,9 @@ TEST(Syslog, GetsTheMessagesUpToTheLevelWithFacilityAndProcessId) {
   logThroughList(LOG_WARNING, "%s", "list");
   logMessage(LOG_NOTICE, "above the level");
   logMessage(12, "with a facility of its own");
-  EXPECT_EQ(socket.take(),
-            (std::vector<std::string>{
-                "<139>" + identAndPid("panel") + "text 5", "<140>" + identAndPid("panel") + "list",
-                "<12>" + identAndPid("panel") + "with a facility of its own"}));
+  EXPECT_EQ(socket.take(), (Lines{"<139>" + identAndPid("panel") + "text 5",
+                                  "<140>" + identAndPid("panel") + "list",
+                                  "<12>" + identAndPid("panel") + "with a facility of its own"}));
 }
 
 TEST(Syslog, IsOpenedAnewByEachInitialisation) {
@@ -81,9 +77,9 @@ TEST(Syslog, IsOpenedAnewByEachInitialisation) {
   logMessage(LOG_ERR, "two");
   initLogging(nullptr, LOG_INFO, LOG_DAEMON, LOG_NDELAY, "second");
   logMessage(LOG_ERR, "three");
-  EXPECT_EQ(first.take(), (std::vector<std::string>{"<19>" + identAndPid("first") + "one",
-                                                    "<19>" + identAndPid("first") + "two"}));
-  EXPECT_EQ(second.take(), (std::vector<std::string>{"<27>" + identAndPid("second") + "three"}));
+  EXPECT_EQ(first.take(),
+            (Lines{"<19>" + identAndPid("first") + "one", "<19>" + identAndPid("first") + "two"}));
+  EXPECT_EQ(second.take(), (Lines{"<27>" + identAndPid("second") + "three"}));
 }
 
 TEST(Syslog, TheOptionsArePassedOn) {

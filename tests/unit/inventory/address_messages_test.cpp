@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/child_process.h"
 #include "support/collect.h"
-#include "support/failure.h"
 #include "support/netlink_bytes.h"
 
 namespace addrtool::testing {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "support/failure.h"
+#include "support/child_process.h"
 #include "support/printers.h"
 
 namespace addrtool::testing {
