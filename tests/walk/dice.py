@@ -2,13 +2,14 @@
 
 import random
 
-from kernel_model import GLOBAL_SCOPE, HOST_SCOPE, LINK_SCOPE
+from kernel_model import GLOBAL_SCOPE, HOST_SCOPE, LINK_SCOPE, device_of
 from model import is_temporary, is_too_long
 
 NAMES = ["eth0", "eth1", "eth10", "br0", "Zeta", "été", "eth0.100", "wlp2s0f0u1i2",
          "enp193s0f1np1", "br-0a1b2c3d4e5", "enx001122334455"]  # of up to 15 bytes
-NETWORKS = ["192.0.2.", "198.51.100.", "10.0.0.", "10.0.1.", "172.16.5."]
-PREFIXES = [24, 24, 24, 24, 16, 8, 25, 30, 32]
+MAIN_NETWORKS = ["203.0.113.", "203.0.113.", "203.0.113.", "192.0.2.", "10.0.0."]
+NETWORKS = ["192.0.2.", "192.0.2.", "198.51.100.", "10.0.0.", "10.0.0.", "10.0.1.", "172.16.5."]
+PREFIXES = [24] * 12 + [16, 16, 8, 25, 30, 32]
 NETMASKS = ["255.255.255.0"] * 12 + ["255.255.0.0", "255.0.0.0", "255.255.255.128",
                                      "255.255.255.255", "255.0.255.0", "0.0.0.1", "0.0.0.0"]
 BAD_NETMASKS = ["24", "255.255.255", "", "255.255.255.256", "0xffffff00", "255.255.255.0 ", "/24"]
@@ -52,10 +53,13 @@ class Dice:
         known = [address.ip for link in world.kernel.links.values() for address in link.ipv4]
         if known and self.chance(0.08):
             return self.one(known)
-        return self.one(NETWORKS) + str(self.random.randint(1, 14))
+        return self.new_ipv4(NETWORKS)
 
-    def ipv6(self, world, odd=0.08):
-        if self.chance(odd):
+    def new_ipv4(self, networks):
+        return self.one(networks) + str(self.random.randint(1, 14))
+
+    def ipv6(self, world):
+        if self.chance(0.08):
             return self.one(ODD_IPV6)
         known = [address.ip for link in world.kernel.links.values() for address in link.ipv6]
         ip = self.one(known) if known and self.chance(0.08) else self.new_ipv6()
@@ -87,48 +91,48 @@ class Dice:
             if self.chance(0.85):
                 yield ["up", name, True]
             if self.chance(0.85):
-                yield from self.addresses(name, world)
+                yield from self.addresses(name)
             if self.chance(0.75):
-                yield self.interface_file(name)
+                yield self.interface_file(name, world)
         if self.chance(0.3):
             yield ["promote", True]
 
-    def addresses(self, name, world):
+    def addresses(self, name):
         if self.chance(0.8):
-            for _ in range(self.random.randint(1, 2)):
-                yield self.main_address(name, world)
-            for _ in range(self.random.choice([0, 0, 1, 5])):
-                yield self.alias(name, world)
+            for _ in range(self.random.randint(0, 2)):
+                yield self.main_address(name)
+            for _ in range(self.one([0, 1, 3, 6])):
+                yield self.alias(name)
             if self.chance(0.1):  # nearly all that fit on a long name
                 for number in range(1, 10):
                     label = f"{name}:{number}"
                     if self.chance(0.9) and not is_too_long(label):
                         yield ["address", name, f"10.0.1.{number + 20}", 24, GLOBAL_SCOPE, label]
-        for _ in range(self.random.choice([0, 1, 1, 3])):
+        for _ in range(self.one([0, 1, 3, 5])):
             yield ["ipv6", name, self.new_ipv6(), 64]
 
     def scope(self):
         return self.one([GLOBAL_SCOPE] * 20 + [LINK_SCOPE, HOST_SCOPE])
 
-    def main_address(self, name, world):
-        return ["address", name, self.one(NETWORKS) + str(self.random.randint(1, 14)),
-                self.one(PREFIXES), self.scope(), name]
+    def main_address(self, name):
+        return ["address", name, self.new_ipv4(MAIN_NETWORKS), self.one(PREFIXES), self.scope(),
+                name]
 
-    def alias(self, name, world):
+    def alias(self, name):
         suffix = self.one(SUFFIXES) if self.chance(0.5) else str(self.random.randint(1, 12))
         label = f"{name}:{suffix}"
         if is_too_long(label):
             label = name
-        return ["address", name, self.one(NETWORKS) + str(self.random.randint(1, 14)),
-                self.one(PREFIXES), self.scope(), label]
+        return ["address", name, self.new_ipv4(NETWORKS), self.one(PREFIXES), self.scope(), label]
 
-    def interface_file(self, label):
+    def interface_file(self, label, world):
+        known = [address.ip for address in world.kernel.links[device_of(label)].ipv6]
         lines = self.random.sample(FOREIGN_LINES, self.random.randint(0, 4))
         for _ in range(self.one([0, 1, 1, 1, 2])):
-            lines.insert(self.random.randint(0, len(lines)), self.assignment("IPV6ADDR", 1))
+            lines.insert(self.random.randint(0, len(lines)), self.assignment("IPV6ADDR", 1, known))
         for _ in range(self.one([0, 1, 1, 1, 1, 2])):
             lines.insert(self.random.randint(0, len(lines)),
-                         self.assignment("IPV6ADDR_SECONDARIES", self.list_length()))
+                         self.assignment("IPV6ADDR_SECONDARIES", self.list_length(), known))
         text = "".join(lines)
         if self.chance(0.1):
             text = text.rstrip("\n")
@@ -137,10 +141,13 @@ class Dice:
     def list_length(self):
         return 600 if self.chance(0.02) else self.random.randint(0, 4)
 
-    def assignment(self, key, count):
+    def assignment(self, key, count, known):
         """Mostly as one would write it; else with blanks, quotes and mistakes."""
-        entries = [f"{self.respelled(self.new_ipv6()) if self.chance(0.2) else self.new_ipv6()}"
-                   f"/{self.one(['64', '64', '64', '48', '0'])}" for _ in range(count)]
+        entries = []
+        for _ in range(count):
+            ip = self.one(known) if known and self.chance(0.6) else self.new_ipv6()
+            ip = self.respelled(ip) if self.chance(0.2) else ip
+            entries.append(f"{ip}/{self.one(['64', '64', '64', '48', '0'])}")
         quote, odd = self.one(["", '"', '"', '"', "'"]), self.chance(0.15)
         if odd:
             entries.insert(self.random.randint(0, len(entries)),
@@ -159,20 +166,20 @@ class Dice:
                          "alias file", "remove", "directory", "writable", "writable", "mkdir",
                          "symlink", "target", "suse", "promote", "veinfo", "configuration"])
         return {
-            "main": lambda: self.main_address(name, world),
-            "alias": lambda: self.alias(name, world),
+            "main": lambda: self.main_address(name),
+            "alias": lambda: self.alias(name),
             "ipv6": lambda: ["ipv6", name, self.ipv6_to_set_up(), self.one([64, 64, 128, 48])],
             "up": lambda: ["up", name, self.chance(0.7)],
             "rename": lambda: ["rename", self.one([name, *self.down(world)]), self.one(NAMES)],
-            "file": lambda: self.interface_file(name),
-            "alias file": lambda: self.interface_file(f"{name}:{self.random.randint(1, 4)}"),
+            "file": lambda: self.interface_file(name, world),
+            "alias file": lambda: self.interface_file(f"{name}:{self.random.randint(1, 4)}", world),
             "remove": lambda: ["remove", file],
             "directory": lambda: ["directory", self.one(DIRECTORY_STATES)],
             "writable": lambda: ["directory", "writable"],
             "mkdir": lambda: ["file", f"ifcfg-{name}{self.one(['', ':1', ':2'])}", None, 0o755,
                               self.one(self.owners)],
             "symlink": lambda: ["symlink", f"ifcfg-{name}{self.one(['', '', ':1', ':2'])}", TARGET],
-            "target": lambda: ["file", TARGET, *self.interface_file(name)[2:]],
+            "target": lambda: ["file", TARGET, *self.interface_file(name, world)[2:]],
             "configuration": lambda: ["configuration", self.chance(0.5)],
             "suse": lambda: ["suse", self.chance(0.5)],
             "promote": lambda: ["promote", self.chance(0.4)],
@@ -218,7 +225,7 @@ class Dice:
 
     def address_to_delete(self, world):
         links = world.kernel.links.values()
-        if self.chance(0.2):
+        if self.chance(0.12):
             return self.ipv4(world) if self.chance(0.5) else self.ipv6(world)
         if self.chance(0.5):
             known = [address.ip for link in links for address in link.ipv4 if ":" in address.label]

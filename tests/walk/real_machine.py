@@ -5,11 +5,14 @@ import fcntl
 import os
 import pathlib
 import shutil
+import signal
 import socket
 import struct
 import subprocess
 
 from model import SCRIPTS, File, without_random
+
+TIMEOUT_SECONDS = 20  # of a run
 
 SYSCONFIG = pathlib.Path(SCRIPTS).parent
 AWAY = SYSCONFIG / "away"  # where the directory is while it is missing
@@ -44,7 +47,9 @@ class RealMachine:
         """A tmpfs is fast and can be read-only. No name server and no other host is asked."""
         mount("-t", "tmpfs", "-o", "mode=755", "walk", str(SYSCONFIG))
         self.scripts.mkdir()
-        pathlib.Path("/etc/nsswitch.conf").write_text("hosts: files\n")
+        no_name_server = SYSCONFIG / "nsswitch.conf"
+        no_name_server.write_text("hosts: files\n")
+        mount("--bind", str(no_name_server), "/etc/nsswitch.conf")
         for group in ("all", "default"):
             settings = NETWORK_SETTINGS / "ipv6/conf" / group
             (settings / "accept_dad").write_text("0")
@@ -142,12 +147,12 @@ class RealMachine:
 
     def set_scripts_error(self, error):
         """What fails from now on where the directory is written: EROFS, ENOENT or nothing."""
-        mount("-o", "remount,rw", str(SYSCONFIG))
+        mount("-o", "remount,bind,rw", str(SYSCONFIG))
         place = AWAY if error == errno.ENOENT else pathlib.Path(SCRIPTS)
         self.scripts.rename(place)
         self.scripts = place
         if error == errno.EROFS:
-            mount("-o", "remount,ro", str(SYSCONFIG))
+            mount("-o", "remount,bind,ro", str(SYSCONFIG))
 
     def set_suse(self, is_suse):
         if is_suse:
@@ -178,7 +183,10 @@ class RealMachine:
         child = os.posix_spawn(self.program, ["addrtool", *arguments], environment, file_actions=[
             (os.POSIX_SPAWN_OPEN, 0, "/dev/null", os.O_RDONLY, 0),
             (os.POSIX_SPAWN_DUP2, self.output, 1), (os.POSIX_SPAWN_DUP2, error, 2)])
+        signal.signal(signal.SIGALRM, lambda *_: os.kill(child, signal.SIGKILL))
+        signal.alarm(TIMEOUT_SECONDS)
         status = os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
+        signal.alarm(0)
         return status, take_text(self.output), take_text(self.error)
 
     # What there is

@@ -143,8 +143,12 @@ def compare(world, machine):
         require_equal(f"the IPv6 addresses of {name}",
                       [dataclasses.astuple(address) for address in link.ipv6], ipv6)
         require_equal(f"whether {name} is up", link.is_up, machine.is_up(name))
-    files = sorted(((without_random(name), file) for name, file in world.files.items()), key=str)
-    require_equal("the files", files, machine.files())
+    expected = [(without_random(name), file) for name, file in world.files.items()]
+    files = machine.files()
+    if sorted(expected, key=str) != files:
+        require_equal("the files", [file for file in expected if file not in files],
+                      [file for file in files if file not in expected])
+        raise Difference("the number of temporary files")
 
 
 def require_equal(what, expected, actual):

@@ -13,6 +13,7 @@ import argparse
 import collections
 import json
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -115,17 +116,23 @@ def choose(dice, world, length):
 
 
 def simpler(step):
-    """The step without one word of its command line, or without one line of its file."""
+    """The step without some words of its command line or of its file."""
     kind, *operands = step
     if kind == "run":
         arguments, *rest = operands
-        for place in range(len(arguments)):
-            yield [kind, arguments[:place] + arguments[place + 1:], *rest]
+        yield from ([kind, shorter, *rest] for shorter in without_parts(arguments))
     elif kind == "file" and operands[1]:
         name, text, *rest = operands
-        lines = text.splitlines(keepends=True)
-        for place in range(len(lines)):
-            yield [kind, name, "".join(lines[:place] + lines[place + 1:]), *rest]
+        words = re.findall(r"\s*\S+\s*", text)
+        yield from ([kind, name, "".join(shorter), *rest] for shorter in without_parts(words))
+
+
+def without_parts(words):
+    size = len(words)
+    while size:
+        for start in range(0, len(words) - size + 1):
+            yield words[:start] + words[start + size:]
+        size //= 2
 
 
 def report(seed, walk, difference):
