@@ -35,15 +35,22 @@ TIMEOUT_SECONDS = 30
 
 # Lines that no edit may touch, before and behind those that the edits write. There are so many
 # that an edit takes many reads and writes, which gives the others time to come between.
-FOREIGN_LINES = ["# first", "DEVICE=eth0", *(f"# line {number}" for number in range(5000)),
-                 "IPV6INIT=yes", "GATEWAY='192.0.2.254'  # last"]
+FOREIGN_LINES = [
+    "# first",
+    "DEVICE=eth0",
+    *(f"# line {number}" for number in range(5000)),
+    "IPV6INIT=yes",
+    "GATEWAY='192.0.2.254'  # last",
+]
 LIST_STEM = "IPV6ADDR"
 
 ALIAS_FILE = re.compile(
-    r'DEVICE="(eth0:[0-9]+)"\nIPADDR="192\.0\.2\.[0-9]+"\nNETMASK="255\.255\.255\.0"\n')
+    r'DEVICE="(eth0:[0-9]+)"\nIPADDR="192\.0\.2\.[0-9]+"\nNETMASK="255\.255\.255\.0"\n'
+)
 PRIMARY_LINE = re.compile(r"IPV6ADDR=2001:db8::[0-9a-f]+/[0-9]+")
 LIST_LINE = re.compile(
-    r'IPV6ADDR_SECONDARIES="2001:db8::[0-9a-f]+/[0-9]+( 2001:db8::[0-9a-f]+/[0-9]+)*"')
+    r'IPV6ADDR_SECONDARIES="2001:db8::[0-9a-f]+/[0-9]+( 2001:db8::[0-9a-f]+/[0-9]+)*"'
+)
 
 
 def interface_file_faults(text):
@@ -90,8 +97,10 @@ def read_until_told(stop, results):
             if is_temporary(name):
                 continue  # still being written, which is what it is for
             looks += 1
-            torn += [f"a reader saw {name} torn ({fault}): {text[:200]!r}"
-                     for fault in file_faults(name, text)]
+            torn += [
+                f"a reader saw {name} torn ({fault}): {text[:200]!r}"
+                for fault in file_faults(name, text)
+            ]
         if not INTERFACE_FILE.exists():
             torn.append("a reader missed the interface file")
     results.put((looks, torn[:10]))
@@ -101,17 +110,25 @@ class State:
     """The running system and the files, by label and by address."""
 
     def __init__(self):
-        shown = subprocess.run(["ip", "-o", "address", "show", "dev", "eth0", "scope", "global"],
-                               capture_output=True, text=True, check=True).stdout
+        shown = subprocess.run(
+            ["ip", "-o", "address", "show", "dev", "eth0", "scope", "global"],
+            capture_output=True,
+            text=True,
+            check=True,
+        ).stdout
         self.files = read_files()
-        self.aliases = dict(reversed(pair) for pair in
-                            re.findall(r"inet ([0-9.]+)/24 .*?(eth0:[0-9]+)\\", shown))
+        self.aliases = dict(
+            reversed(pair) for pair in re.findall(r"inet ([0-9.]+)/24 .*?(eth0:[0-9]+)\\", shown)
+        )
         self.ipv6 = set(re.findall(r"inet6 (\S+)/64", shown))
         self.listed = set(re.findall(r"[\" =](2001:db8::[0-9a-f]+)/", self.files["ifcfg-eth0"]))
 
     def alias_files(self):
-        return {name.removeprefix("ifcfg-"): text for name, text in self.files.items()
-                if name != INTERFACE_FILE.name and not is_temporary(name)}
+        return {
+            name.removeprefix("ifcfg-"): text
+            for name, text in self.files.items()
+            if name != INTERFACE_FILE.name and not is_temporary(name)
+        }
 
 
 def write_whole(path, text):
@@ -132,7 +149,8 @@ def start_over(aliases, ipv6):
         batch += f"address add 192.0.2.{number + 1}/24 label eth0:{number} dev eth0\n"
         write_whole(
             SCRIPTS / f"ifcfg-eth0:{number}",
-            f'DEVICE="eth0:{number}"\nIPADDR="192.0.2.{number + 1}"\nNETMASK="255.255.255.0"\n')
+            f'DEVICE="eth0:{number}"\nIPADDR="192.0.2.{number + 1}"\nNETMASK="255.255.255.0"\n',
+        )
     listed = [f"2001:db8::{number:x}/64" for number in range(2, ipv6 + 2)]
     batch += "".join(f"address add {address} dev eth0 nodad\n" for address in listed)
     ours = ["IPV6ADDR=2001:db8::1/64"]
@@ -144,11 +162,19 @@ def start_over(aliases, ipv6):
 
 def run_at_once(commands):
     """Starts all, then waits for all; gives (command, status, stderr) of each."""
-    started = [(command, subprocess.Popen(["addrtool", *command], stdout=subprocess.PIPE,
-                                          stderr=subprocess.PIPE, text=True))
-               for command in commands]
-    return [(command, process, process.communicate(timeout=TIMEOUT_SECONDS)[1])
-            for command, process in started]
+    started = [
+        (
+            command,
+            subprocess.Popen(
+                ["addrtool", *command], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True
+            ),
+        )
+        for command in commands
+    ]
+    return [
+        (command, process, process.communicate(timeout=TIMEOUT_SECONDS)[1])
+        for command, process in started
+    ]
 
 
 def add_ipv4(number):
@@ -182,13 +208,16 @@ class Round:
             if is_temporary(name):
                 yield f"left behind: {name}"
             else:
-                yield from (f"{name} is torn ({fault}): {text[:200]!r}"
-                            for fault in file_faults(name, text))
+                yield from (
+                    f"{name} is torn ({fault}): {text[:200]!r}" for fault in file_faults(name, text)
+                )
 
     def adds(self):
         start_over(aliases=3, ipv6=3)
         ipv4, ipv6 = range(100, 100 + AT_ONCE // 2), range(0x100, 0x100 + AT_ONCE // 2)
-        yield from self.run(self.shuffled([add_ipv4(n) for n in ipv4] + [add_ipv6(n) for n in ipv6]))
+        yield from self.run(
+            self.shuffled([add_ipv4(n) for n in ipv4] + [add_ipv6(n) for n in ipv6])
+        )
         before, after = self.before, self.after
         if not before.aliases.items() <= after.aliases.items():
             yield f"an alias was lost: {before.aliases} became {after.aliases}"
@@ -203,8 +232,9 @@ class Round:
             yield f"IPv6 runs {sorted(after.ipv6)}"
         if not before.listed < after.listed <= before.listed | wanted:
             yield f"listed are {sorted(after.listed)}"
-        self.count("IPv4 adds that shared a number",
-                   len(ipv4) - len(after.aliases) + len(before.aliases))
+        self.count(
+            "IPv4 adds that shared a number", len(ipv4) - len(after.aliases) + len(before.aliases)
+        )
         self.count("IPv6 adds lost from the file", len(before.listed | wanted) - len(after.listed))
 
     def deletes(self):
@@ -212,8 +242,12 @@ class Round:
         doomed = self.dice.sample(range(1, 7), AT_ONCE // 2)
         labels = {f"eth0:{n}" for n in doomed}
         ipv6 = {f"2001:db8::{n + 1:x}" for n in doomed}
-        yield from self.run(self.shuffled([("--del", f"192.0.2.{n + 1}") for n in doomed] +
-                                          [("--del", address) for address in ipv6]))
+        yield from self.run(
+            self.shuffled(
+                [("--del", f"192.0.2.{n + 1}") for n in doomed]
+                + [("--del", address) for address in ipv6]
+            )
+        )
         before, after = self.before, self.after
         kept = {label: text for label, text in before.alias_files().items() if label not in labels}
         if after.alias_files() != kept:
@@ -230,10 +264,20 @@ class Round:
 
     def mixed(self):
         start_over(aliases=4, ipv6=4)
-        yield from self.run(self.shuffled(
-            [add_ipv4(200), add_ipv4(201), add_ipv6(0x200), add_ipv6(0x201),
-             ("--del", "192.0.2.2"), ("--del", "192.0.2.3"),
-             ("--del", "2001:db8::1"), ("--del", "2001:db8::3")]))
+        yield from self.run(
+            self.shuffled(
+                [
+                    add_ipv4(200),
+                    add_ipv4(201),
+                    add_ipv6(0x200),
+                    add_ipv6(0x201),
+                    ("--del", "192.0.2.2"),
+                    ("--del", "192.0.2.3"),
+                    ("--del", "2001:db8::1"),
+                    ("--del", "2001:db8::3"),
+                ]
+            )
+        )
         if not {"2001:db8::2", "2001:db8::4", "2001:db8::5"} <= self.after.listed:
             yield f"an IPv6 address that nobody deleted is not listed: {sorted(self.after.listed)}"
         if not {"2001:db8::2", "2001:db8::4", "2001:db8::5"} <= self.after.ipv6:
@@ -268,8 +312,10 @@ def main():
 
     start_over(aliases=0, ipv6=0)
     stop, results = multiprocessing.Event(), multiprocessing.Queue()
-    readers = [multiprocessing.Process(target=read_until_told, args=(stop, results))
-               for _ in range(READERS)]
+    readers = [
+        multiprocessing.Process(target=read_until_told, args=(stop, results))
+        for _ in range(READERS)
+    ]
     for reader in readers:
         reader.start()
     failed = try_rounds(options.rounds, options.seed)

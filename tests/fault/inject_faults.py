@@ -67,15 +67,20 @@ SCENARIOS = [
 ]
 
 ADDRESSES = [
-    "192.0.2.1/24 label eth0", "192.0.2.11/24 label eth0:1", "192.0.2.12/24 label eth0:2",
-    "198.51.100.1/24 label eth0:4", "198.51.100.2/24 label eth0:5",
-    "2001:db8::1/64 nodad", "2001:db8::2/64 nodad",
+    "192.0.2.1/24 label eth0",
+    "192.0.2.11/24 label eth0:1",
+    "192.0.2.12/24 label eth0:2",
+    "198.51.100.1/24 label eth0:4",
+    "198.51.100.2/24 label eth0:5",
+    "2001:db8::1/64 nodad",
+    "2001:db8::2/64 nodad",
 ]
 
 
 def reset_machine():
     batch = "address flush dev eth0\n" + "".join(
-        f"address add {address} dev eth0\n" for address in ADDRESSES)
+        f"address add {address} dev eth0\n" for address in ADDRESSES
+    )
     subprocess.run(["ip", "-batch", "-"], input=batch, text=True, check=True)
     for path in SCRIPTS.iterdir():
         path.unlink()
@@ -85,7 +90,8 @@ def reset_machine():
     (SCRIPTS / "ifcfg-eth0:3").write_text("# left here by somebody\n")
     for number in (4, 5):
         (SCRIPTS / f"ifcfg-eth0:{number}").write_text(
-            f'DEVICE="eth0:{number}"\nIPADDR="198.51.100.{number - 3}"\n')
+            f'DEVICE="eth0:{number}"\nIPADDR="198.51.100.{number - 3}"\n'
+        )
 
 
 def read_files():
@@ -93,8 +99,12 @@ def read_files():
 
 
 def read_addresses():
-    shown = subprocess.run(["ip", "-o", "address", "show", "dev", "eth0", "scope", "global"],
-                           capture_output=True, text=True, check=True).stdout
+    shown = subprocess.run(
+        ["ip", "-o", "address", "show", "dev", "eth0", "scope", "global"],
+        capture_output=True,
+        text=True,
+        check=True,
+    ).stdout
     return {" ".join(line.split()[2:4]) for line in shown.splitlines()}
 
 
@@ -214,8 +224,9 @@ class Checker:
         return {("inet6 " if "::" in a else "inet ") + a.split()[0] for a in ADDRESSES}
 
     def note_loss(self, where, what):
-        self.losses[(self.scenario.name, where, what)] = \
+        self.losses[(self.scenario.name, where, what)] = (
             self.losses.get((self.scenario.name, where, what), 0) + 1
+        )
 
 
 def faults_of(calls):
@@ -243,8 +254,10 @@ def try_scenario(scenario, every):
         for complaint in complaints:
             print(f"FAILED {scenario.name}, {fault}: {complaint}")
         failed += bool(complaints)
-    print(f"{scenario.name:12} {len(after.calls):4} calls {tried:5} faults tried "
-          f"{tried - failed:5} survived {checker.leftovers:4} temporary files left")
+    print(
+        f"{scenario.name:12} {len(after.calls):4} calls {tried:5} faults tried "
+        f"{tried - failed:5} survived {checker.leftovers:4} temporary files left"
+    )
     for (_, where, what), count in sorted(checker.losses.items()):
         print(f"{'':12} accepted loss, {count} times: {where}: {what}")
     return tried, failed
@@ -252,8 +265,9 @@ def try_scenario(scenario, every):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--every", type=int, default=1, metavar="N",
-                        help="try only each N-th fault of a scenario")
+    parser.add_argument(
+        "--every", type=int, default=1, metavar="N", help="try only each N-th fault of a scenario"
+    )
     every = parser.parse_args().every
     machine.require_sandbox()
     results = [try_scenario(scenario, every) for scenario in SCENARIOS]

@@ -49,11 +49,23 @@ def addrtool(*arguments, may_say=""):
     """Runs it to success; gives what it printed and its largest memory, in kilobytes."""
     global peak_kilobytes
     # time(1) comes between, as a process counts the memory of the one it was forked from.
-    done = subprocess.run(["prlimit", f"--nofile={DESCRIPTOR_LIMIT}", "/usr/bin/time", "--format=%M",
-                           "addrtool", *arguments], capture_output=True, text=True)
+    done = subprocess.run(
+        [
+            "prlimit",
+            f"--nofile={DESCRIPTOR_LIMIT}",
+            "/usr/bin/time",
+            "--format=%M",
+            "addrtool",
+            *arguments,
+        ],
+        capture_output=True,
+        text=True,
+    )
     complaint, _, kilobytes = done.stderr.rstrip().rpartition("\n")
-    require(done.returncode == 0 and (not complaint or re.fullmatch(may_say, complaint)),
-            f"addrtool {arguments} ended with {done.returncode}: {complaint}")
+    require(
+        done.returncode == 0 and (not complaint or re.fullmatch(may_say, complaint)),
+        f"addrtool {arguments} ended with {done.returncode}: {complaint}",
+    )
     peak_kilobytes = max(peak_kilobytes, int(kilobytes))
     return done.stdout, int(kilobytes)
 
@@ -80,8 +92,10 @@ class Interface:
         return SCRIPTS / f"ifcfg-{label}"
 
     def alias_text(self, number):
-        return (f'DEVICE="{self.name}:{number}"\nIPADDR="{self.ipv4(number)}"\n'
-                'NETMASK="255.255.192.0"\n')
+        return (
+            f'DEVICE="{self.name}:{number}"\nIPADDR="{self.ipv4(number)}"\n'
+            'NETMASK="255.255.192.0"\n'
+        )
 
     def populate(self, ipv4, ipv6):
         """What ip(8) has to do. One interface's addresses are one subnet, so that the main
@@ -90,14 +104,17 @@ class Interface:
         self.secondaries = [self.ipv6(number) for number in range(2, ipv6 + 2)]
         for number in self.aliases:
             self.path(number).write_text(self.alias_text(number))
-            yield (f"address add {self.ipv4(number)}/18 dev {self.name} "
-                   f"label {self.name}:{number}")
+            yield (
+                f"address add {self.ipv4(number)}/18 dev {self.name} " f"label {self.name}:{number}"
+            )
         primary = f"IPV6ADDR={self.ipv6(1)}/64\n"
         listed = " ".join(f"{address}/64" for address in self.secondaries)
         listed = f'IPV6ADDR_SECONDARIES="{listed}"\n' if listed else ""
         self.is_list_judged = len(listed) <= LONGEST_LINE
         self.path().write_text("".join([FOREIGN_LINES[0], primary, listed, *FOREIGN_LINES[1:]]))
-        yield from (f"address add {address}/64 dev {self.name} nodad" for address in self.secondaries)
+        yield from (
+            f"address add {address}/64 dev {self.name} nodad" for address in self.secondaries
+        )
 
     def add_ipv4(self):
         number = len(self.aliases) + 1
@@ -130,28 +147,39 @@ class Interface:
 
     def check_files(self):
         for number in self.aliases:
-            require(self.path(number).read_text() == self.alias_text(number),
-                    f"{self.path(number)} is not the alias's")
+            require(
+                self.path(number).read_text() == self.alias_text(number),
+                f"{self.path(number)} is not the alias's",
+            )
         lines = self.path().read_text().splitlines(keepends=True)
         if self.is_list_judged:
             # The last one of a quoted list is known to come back with another prefix length.
-            listed = re.findall(r"([0-9a-f:]+)/[0-9]+", "".join(
-                line for line in lines if line.startswith("IPV6ADDR_SECONDARIES=")))
+            listed = re.findall(
+                r"([0-9a-f:]+)/[0-9]+",
+                "".join(line for line in lines if line.startswith("IPV6ADDR_SECONDARIES=")),
+            )
             require(listed == self.secondaries, f"{self.path()} lists {listed[:5]} ...")
-            require([line for line in lines if not line.startswith("IPV6ADDR")] == FOREIGN_LINES,
-                    f"{self.path()} has other foreign lines")
+            require(
+                [line for line in lines if not line.startswith("IPV6ADDR")] == FOREIGN_LINES,
+                f"{self.path()} has other foreign lines",
+            )
 
 
 def check(interfaces, when):
     printed, memory = addrtool("--list")
     expected = sorted(itertools.chain(*(interface.listing() for interface in interfaces)))
-    require(sorted(printed.splitlines()) == expected,
-            f"{when}: {len(printed.splitlines())} addresses listed, {len(expected)} expected")
+    require(
+        sorted(printed.splitlines()) == expected,
+        f"{when}: {len(printed.splitlines())} addresses listed, {len(expected)} expected",
+    )
     for interface in interfaces:
         interface.check_files()
     files = {path.name for path in SCRIPTS.iterdir()}
-    wanted = {interface.path(number).name for interface in interfaces
-              for number in [None, *interface.aliases]}
+    wanted = {
+        interface.path(number).name
+        for interface in interfaces
+        for number in [None, *interface.aliases]
+    }
     require(files == wanted, f"{when}: files too many or too few: {list(files ^ wanted)[:5]}")
     return len(expected), memory
 
@@ -164,10 +192,14 @@ def start_over(names):
     interfaces = [Interface(name, network) for network, name in enumerate(names)]
     for interface in interfaces:
         if interface.name != "eth0":
-            batch += [f"link add {interface.name} type veth peer name {interface.name}p",
-                      f"link set {interface.name} up"]
-        batch += [f"address add {interface.main_ipv4()}/18 dev {interface.name}",
-                  f"address add {interface.ipv6(1)}/64 dev {interface.name} nodad"]
+            batch += [
+                f"link add {interface.name} type veth peer name {interface.name}p",
+                f"link set {interface.name} up",
+            ]
+        batch += [
+            f"address add {interface.main_ipv4()}/18 dev {interface.name}",
+            f"address add {interface.ipv6(1)}/64 dev {interface.name} nodad",
+        ]
     run_batch(batch)
     for interface in interfaces:
         list(interface.populate(0, 0))
@@ -193,12 +225,19 @@ def try_layout(names, options):
     # Shares that come out even, so that each interface has as many as the others.
     share4, rest4 = divmod(options.ipv4 - options.by_addrtool, len(names))
     share6, rest6 = divmod(options.ipv6 - options.by_addrtool_ipv6, len(names))
-    run_batch([line for number, interface in enumerate(interfaces)
-               for line in interface.populate(share4 + (number < rest4), share6 + (number < rest6))])
+    run_batch(
+        [
+            line
+            for number, interface in enumerate(interfaces)
+            for line in interface.populate(share4 + (number < rest4), share6 + (number < rest6))
+        ]
+    )
     check(interfaces, "populated")
 
-    ms = {"IPv4 add": timed(Interface.add_ipv4, interfaces, options.by_addrtool),
-          "IPv6 add": timed(Interface.add_ipv6, interfaces, options.by_addrtool_ipv6)}
+    ms = {
+        "IPv4 add": timed(Interface.add_ipv4, interfaces, options.by_addrtool),
+        "IPv6 add": timed(Interface.add_ipv6, interfaces, options.by_addrtool_ipv6),
+    }
     many, memory_of_many = check(interfaces, "added")
     _, memory_repeated = addrtool(*["--list"] * REPEATED_LISTINGS)
     if options.valgrind and len(names) == 1:
@@ -210,37 +249,54 @@ def try_layout(names, options):
 
     growth = (memory_of_many - memory_of_few) * 1024 / (many - few)
     require(growth <= BYTES_PER_ADDRESS, f"{growth:.0f} bytes for each address")
-    require(memory_repeated <= memory_of_many + 256, f"{REPEATED_LISTINGS} listings need "
-            f"{memory_repeated} kB, one {memory_of_many} kB")
-    print(f"{len(names)} interface{'s' * (len(names) > 1)}: {many} addresses, of which addrtool added"
-          f" {options.by_addrtool} IPv4 and {options.by_addrtool_ipv6} IPv6; {left} after its deletes")
+    require(
+        memory_repeated <= memory_of_many + 256,
+        f"{REPEATED_LISTINGS} listings need " f"{memory_repeated} kB, one {memory_of_many} kB",
+    )
+    print(
+        f"{len(names)} interface{'s' * (len(names) > 1)}: {many} addresses, of which addrtool added"
+        f" {options.by_addrtool} IPv4 and {options.by_addrtool_ipv6} IPv6; {left} after its deletes"
+    )
     print("    ms each: " + ", ".join(f"{what} {value:.1f}" for what, value in ms.items()))
-    print(f"    listing {few} addresses takes {memory_of_few} kB, {many} take {memory_of_many} kB"
-          f" ({growth:.0f} bytes each), {REPEATED_LISTINGS} listings at once {memory_repeated} kB,"
-          f" {left} afterwards {memory_after} kB")
+    print(
+        f"    listing {few} addresses takes {memory_of_few} kB, {many} take {memory_of_many} kB"
+        f" ({growth:.0f} bytes each), {REPEATED_LISTINGS} listings at once {memory_repeated} kB,"
+        f" {left} afterwards {memory_after} kB"
+    )
     if not all(interface.is_list_judged for interface in interfaces):
         print(f"    an IPv6 list outgrew a line of {LONGEST_LINE} bytes and was not looked at")
 
 
 def try_under_valgrind(program, interface):
     """Each way through the program once; ends with the addresses that it found."""
-    ipv4, ipv6 = interface.ipv4(15000), interface.ipv6(0xf000)
+    ipv4, ipv6 = interface.ipv4(15000), interface.ipv6(0xF000)
     for status, *arguments in [
-            (0, "--list"),
-            (0, "--add", interface.name, ipv4, "255.255.192.0"),
-            (0, "--del", ipv4),
-            (0, "--add", interface.name, ipv6, "64"),
-            (0, "--del", ipv6),
-            (0, "--qv-assigned-ip", ipv4),
-            (1, "--del", interface.main_ipv4()),
-            (1, "--add", "nowhere", ipv4, "255.255.192.0"),
-            (1, "--add", interface.name, ipv6, "no number"),
-            (2, "--help")]:
-        command = ["valgrind", "--quiet", "--leak-check=full", "--track-fds=yes", "--error-exitcode=9",
-                   "--errors-for-leak-kinds=definite,indirect,possible", program, *arguments]
+        (0, "--list"),
+        (0, "--add", interface.name, ipv4, "255.255.192.0"),
+        (0, "--del", ipv4),
+        (0, "--add", interface.name, ipv6, "64"),
+        (0, "--del", ipv6),
+        (0, "--qv-assigned-ip", ipv4),
+        (1, "--del", interface.main_ipv4()),
+        (1, "--add", "nowhere", ipv4, "255.255.192.0"),
+        (1, "--add", interface.name, ipv6, "no number"),
+        (2, "--help"),
+    ]:
+        command = [
+            "valgrind",
+            "--quiet",
+            "--leak-check=full",
+            "--track-fds=yes",
+            "--error-exitcode=9",
+            "--errors-for-leak-kinds=definite,indirect,possible",
+            program,
+            *arguments,
+        ]
         done = subprocess.run(command, capture_output=True, text=True)
-        require(done.returncode == status and "Open file descriptor" not in done.stderr,
-                f"valgrind addrtool {arguments}: status {done.returncode}: {done.stderr}")
+        require(
+            done.returncode == status and "Open file descriptor" not in done.stderr,
+            f"valgrind addrtool {arguments}: status {done.returncode}: {done.stderr}",
+        )
     print("    under valgrind: no error, no leak, no descriptor left")
 
 
@@ -250,7 +306,9 @@ def main():
     parser.add_argument("--ipv6", type=int, default=1000)
     parser.add_argument("--interfaces", type=int, default=50, help="of the second layout")
     parser.add_argument("--by-addrtool", type=int, default=500, metavar="N", help="of the IPv4")
-    parser.add_argument("--by-addrtool-ipv6", type=int, default=200, metavar="N", help="of the IPv6")
+    parser.add_argument(
+        "--by-addrtool-ipv6", type=int, default=200, metavar="N", help="of the IPv6"
+    )
     parser.add_argument("--valgrind", metavar="PROGRAM", help="a dynamically linked addrtool")
     options = parser.parse_args()
     machine.require_sandbox()

@@ -8,5 +8,7 @@ def require_sandbox():
     """Ends the script outside a sandbox. Only the mounts of a sandbox have this procfs, and only
     its processes find themselves there."""
     if not pathlib.Path("/proc/.sandbox/proc/self").exists():
-        sys.exit(f"{sys.argv[0]} changes addresses and system files, so it runs only in a sandbox:\n"
-                 f"  scripts/sandbox {sys.argv[0]} ...")
+        sys.exit(
+            f"{sys.argv[0]} changes addresses and system files, so it runs only in a sandbox:\n"
+            f"  scripts/sandbox {sys.argv[0]} ..."
+        )

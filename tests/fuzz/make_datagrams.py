@@ -15,7 +15,9 @@ def padded(data):
 
 
 def attribute(kind, payload, length=None):
-    return padded(struct.pack("=HH", 4 + len(payload) if length is None else length, kind) + payload)
+    return padded(
+        struct.pack("=HH", 4 + len(payload) if length is None else length, kind) + payload
+    )
 
 
 def message(body, kind=NEWADDR, length=None):
