@@ -30,9 +30,9 @@ void deleteIPv4Address(const std::string& address);
 void deleteIPv6Address(const std::string& address);
 
 /// Restores the aliases of the snapshot that the kernel no longer has: with the first address of a
-/// subnet it drops the others. The snapshot was taken before `deletedSuffix` was deleted; that alias
-/// is not restored. Compares suffixes only, not addresses. Stops at the first failure; raises what
-/// readKernelAddresses and bringUpAlias raise.
+/// subnet it drops the others. The snapshot was taken before `deletedSuffix` was deleted; that
+/// alias is not restored. Compares suffixes only, not addresses. Stops at the first failure; raises
+/// what readKernelAddresses and bringUpAlias raise.
 void restoreAliases(const std::string& interface, const AliasMap& snapshot,
                     const std::string& deletedSuffix);
 

@@ -17,8 +17,13 @@ constexpr const char* configPath = "/etc/kel/kel.conf";
 RuntimeConfiguration* loaded = nullptr;
 std::array<const char*, configVariableCount> foundValues{};
 
-constexpr std::size_t indexOf(ConfigVariable variable) {
+std::size_t indexOf(ConfigVariable variable) {
   return static_cast<std::size_t>(variable);
+}
+
+// Checked first, so that no at() below can throw.
+bool isInTable(ConfigVariable variable) {
+  return indexOf(variable) < configVariables.size();
 }
 
 }  // namespace
@@ -43,25 +48,22 @@ const char* lookupConfigFile(const char* name) {
 }
 
 const char* getConfigValue(ConfigVariable variable) {
-  const std::size_t index = indexOf(variable);
-  if (index >= configVariableCount) return nullptr;
-  if (foundValues[index] == nullptr) {
-    foundValues[index] = lookupConfigFile(configVariables[index].name);
-  }
-  return foundValues[index];
+  if (!isInTable(variable)) return nullptr;
+  const char*& value = foundValues.at(indexOf(variable));
+  if (value == nullptr) value = lookupConfigFile(configVariables.at(indexOf(variable)).name);
+  return value;
 }
 
 const char* getConfigValueOrDefault(ConfigVariable variable) {
-  const std::size_t index = indexOf(variable);
-  if (index >= configVariableCount) return nullptr;
+  if (!isInTable(variable)) return nullptr;
   const char* value = getConfigValue(variable);
-  return value != nullptr ? value : configVariables[index].defaultValue;
+  return value != nullptr ? value : configVariables.at(indexOf(variable)).defaultValue;
 }
 
 const char* getConfigValueByName(const char* name) {
   // The last variable, the upper sentinel, cannot be looked up by name (required).
   for (std::size_t i = 0; i < indexOf(ConfigVariable::MAX_POSSIBLE_KEL_CONF_VAR); ++i) {
-    if (std::strcmp(configVariables[i].name, name) == 0) {
+    if (std::strcmp(configVariables.at(i).name, name) == 0) {
       return getConfigValueOrDefault(static_cast<ConfigVariable>(i));
     }
   }
