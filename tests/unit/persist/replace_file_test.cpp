@@ -1,8 +1,11 @@
 #include "persist/replace_file.h"
 
 #include <gtest/gtest.h>
+#include <linux/capability.h>
+#include <sys/inotify.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
@@ -10,7 +13,10 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/child_process.h"
@@ -109,10 +115,12 @@ TEST_F(ReplaceFile, AMadeFileIsReadableByAllWhateverTheUmask) {
 }
 
 TEST_F(ReplaceFile, AMissingTargetThatMustExistIsNotMade) {
-  EXPECT_EQ(replace(target, script, 1), -1);
-  EXPECT_EQ(errno, ENOENT);
-  EXPECT_EQ(script.calls, 0);
-  EXPECT_EQ(listDirectory(directory.path()), Names{});
+  for (const int mustExist : {1, 2, -1}) {
+    EXPECT_EQ(replace(target, script, mustExist), -1);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(script.calls, 0);
+    EXPECT_EQ(listDirectory(directory.path()), Names{});
+  }
 }
 
 TEST_F(ReplaceFile, ReadersSeeTheOldContentUntilTheWriterIsDone) {
@@ -176,15 +184,18 @@ TEST_F(ReplaceFile, ALinkIsReplacedByAFileWithTheModeOfTheLinkedOne) {
   EXPECT_EQ(readFile(directory / "linked"), "old\n");
 }
 
-TEST_F(ReplaceFile, ALinkToNothingIsAMissingTarget) {
-  fs::create_symlink("missing", target);
-  EXPECT_EQ(replace(target, script, 1), -1);
-  EXPECT_EQ(errno, ENOENT);
-  EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
-  EXPECT_EQ(replace(target, script, 0), 0);
-  EXPECT_FALSE(script.hadOldFile);
-  EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target)));
-  EXPECT_EQ(modeOf(target), 0644U);
+TEST_F(ReplaceFile, ALinkToNothingOrToItselfIsAMissingTarget) {
+  for (const auto& [linked, error] : {std::pair("missing", ENOENT), std::pair("target", ELOOP)}) {
+    fs::remove(target);
+    fs::create_symlink(linked, target);
+    EXPECT_EQ(replace(target, script, 1), -1);
+    EXPECT_EQ(errno, error);
+    EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
+    EXPECT_EQ(replace(target, script, 0), 0);
+    EXPECT_FALSE(script.hadOldFile);
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target)));
+    EXPECT_EQ(modeOf(target), 0644U);
+  }
 }
 
 TEST_F(ReplaceFile, AWritersFailureIsTheResultAndLeavesNoTrace) {
@@ -226,13 +237,60 @@ TEST_F(ReplaceFile, ATargetThatCannotBeReadIsWrittenFromNothingWithItsMode) {
   EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
 }
 
+TEST_F(ReplaceFile, ATargetThatMayNotBeReadIsWrittenFromNothingWithItsMode) {
+  writeFile(target, "old\n");
+  ASSERT_EQ(chmod(target.c_str(), 0), 0);
+  const auto replaceWithoutPrivileges = [this] {
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    const std::array<__user_cap_data_struct, 2> none{};
+    if (syscall(SYS_capset, &header, none.data()) != 0) _exit(1);
+    _exit(replace(target, script, 0) == 0 && !script.hadOldFile ? 0 : 2);
+  };
+  EXPECT_EQ(runInChild(replaceWithoutPrivileges), silentSuccess);
+  EXPECT_EQ(modeOf(target), 0U);
+  ASSERT_EQ(chmod(target.c_str(), 0600), 0);
+  EXPECT_EQ(readFile(target), "new\n");
+}
+
 TEST_F(ReplaceFile, ATargetThatMustExistAndCannotBeReadLeavesTheTemporaryFile) {
   makeSocket(target);
-  EXPECT_EQ(replace(target, script, 1), -1);
-  EXPECT_EQ(errno, ENXIO);
-  EXPECT_EQ(script.calls, 0);
-  EXPECT_TRUE(fs::is_socket(target));
-  EXPECT_EQ(readFile(leftover()), "");
+  for (const int mustExist : {1, 2, -1}) {
+    EXPECT_EQ(replace(target, script, mustExist), -1);
+    EXPECT_EQ(errno, ENXIO);
+    EXPECT_EQ(script.calls, 0);
+    EXPECT_TRUE(fs::is_socket(target));
+    EXPECT_EQ(readFile(leftover()), "");
+    fs::remove(leftover());
+  }
+}
+
+// What the function does to the files of the directory, in order.
+Names changesBy(const std::function<void()>& function, const fs::path& directory) {
+  static const std::map<std::uint32_t, std::string> words{
+      {IN_MODIFY, "write"},          {IN_CLOSE_WRITE, "close new"}, {IN_CLOSE_NOWRITE, "close old"},
+      {IN_ATTRIB, "owner and mode"}, {IN_MOVED_TO, "rename"},       {IN_DELETE, "unlink"}};
+  const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+  EXPECT_NE(inotify_add_watch(watch, directory.c_str(), IN_ALL_EVENTS), -1);
+  function();
+  std::array<char, 4096> buffer{};
+  const auto size = static_cast<std::size_t>(read(watch, buffer.data(), buffer.size()));
+  close(watch);
+  Names changes;
+  inotify_event event{};
+  for (std::size_t at = 0; at < size; at += sizeof(event) + event.len) {
+    std::memcpy(&event, &buffer.at(at), sizeof(event));
+    if (words.contains(event.mask)) changes.push_back(words.at(event.mask));
+  }
+  return changes;
+}
+
+TEST_F(ReplaceFile, OwnerAndModeAreSetAfterBothClosesEvenIfTheWriterFails) {
+  for (const auto& [result, end] : {std::pair(0, "rename"), std::pair(5, "unlink")}) {
+    writeFile(target, "old\n");
+    script.result = result;
+    EXPECT_EQ(changesBy([this] { replace(target, script, 1); }, directory.path()),
+              (Names{"write", "close new", "close old", "owner and mode", end}));
+  }
 }
 
 TEST_F(ReplaceFile, ADirectoryInItsPlaceFailsAtTheRenameAndLeavesTheTemporaryFile) {
