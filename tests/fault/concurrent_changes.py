@@ -19,16 +19,24 @@ lists, and no temporary file outlives the round.
 
 import argparse
 import multiprocessing
-import pathlib
 import random
 import re
 import subprocess
 import sys
 
-import machine
+from machine import (
+    SCRIPTS,
+    alias_text,
+    is_temporary,
+    list_line,
+    path_of,
+    read_files,
+    require_sandbox,
+    set_addresses,
+    shown_addresses,
+)
 
-SCRIPTS = pathlib.Path("/etc/sysconfig/network-scripts")
-INTERFACE_FILE = SCRIPTS / "ifcfg-eth0"
+INTERFACE_FILE = path_of("eth0")
 AT_ONCE = 8  # processes of a round
 READERS = 2
 TIMEOUT_SECONDS = 30
@@ -75,21 +83,6 @@ def file_faults(name, text):
         yield "not a whole alias file"
 
 
-def is_temporary(name):
-    return re.fullmatch(r"ifcfg-.*\.[A-Za-z0-9]{6}", name) is not None
-
-
-def read_files():
-    """Every file that is there at this moment; one may go between its listing and its opening."""
-    files = {}
-    for path in SCRIPTS.iterdir():
-        try:
-            files[path.name] = path.read_text()
-        except FileNotFoundError:
-            pass
-    return files
-
-
 def read_until_told(stop, results):
     looks, torn = 0, []
     while not stop.is_set():
@@ -110,12 +103,7 @@ class State:
     """The running system and the files, by label and by address."""
 
     def __init__(self):
-        shown = subprocess.run(
-            ["ip", "-o", "address", "show", "dev", "eth0", "scope", "global"],
-            capture_output=True,
-            text=True,
-            check=True,
-        ).stdout
+        shown = "\n".join(shown_addresses())
         self.files = read_files()
         self.aliases = dict(
             reversed(pair) for pair in re.findall(r"inet ([0-9.]+)/24 .*?(eth0:[0-9]+)\\", shown)
@@ -140,24 +128,20 @@ def write_whole(path, text):
 
 def start_over(aliases, ipv6):
     """The main addresses, and so many aliases and secondary IPv6 addresses, in both places."""
-    batch = "address flush dev eth0\naddress add 192.0.2.1/24 dev eth0\n"
-    batch += "address add 2001:db8::1/64 dev eth0 nodad\n"
     for path in SCRIPTS.iterdir():
         if path != INTERFACE_FILE:
             path.unlink()
+    addresses = ["192.0.2.1/24", "2001:db8::1/64 nodad"]
     for number in range(1, aliases + 1):
-        batch += f"address add 192.0.2.{number + 1}/24 label eth0:{number} dev eth0\n"
-        write_whole(
-            SCRIPTS / f"ifcfg-eth0:{number}",
-            f'DEVICE="eth0:{number}"\nIPADDR="192.0.2.{number + 1}"\nNETMASK="255.255.255.0"\n',
-        )
-    listed = [f"2001:db8::{number:x}/64" for number in range(2, ipv6 + 2)]
-    batch += "".join(f"address add {address} dev eth0 nodad\n" for address in listed)
-    ours = ["IPV6ADDR=2001:db8::1/64"]
-    if listed:
-        ours.append(f'IPV6ADDR_SECONDARIES="{" ".join(listed)}"')
-    write_whole(INTERFACE_FILE, "\n".join(FOREIGN_LINES[:2] + ours + FOREIGN_LINES[2:]) + "\n")
-    subprocess.run(["ip", "-batch", "-"], input=batch, text=True, check=True)
+        label, address = f"eth0:{number}", f"192.0.2.{number + 1}"
+        addresses.append(f"{address}/24 label {label}")
+        write_whole(path_of(label), alias_text(label, address))
+    listed = [f"2001:db8::{number:x}" for number in range(2, ipv6 + 2)]
+    addresses += [f"{address}/64 nodad" for address in listed]
+    ours = "IPV6ADDR=2001:db8::1/64\n" + list_line(listed)
+    lines = [line + "\n" for line in FOREIGN_LINES]
+    write_whole(INTERFACE_FILE, "".join(lines[:2]) + ours + "".join(lines[2:]))
+    set_addresses(addresses)
 
 
 def run_at_once(commands):
@@ -308,7 +292,7 @@ def main():
     parser.add_argument("--rounds", type=int, default=200, help="of each kind")
     parser.add_argument("--seed", type=int, default=1)
     options = parser.parse_args()
-    machine.require_sandbox()
+    require_sandbox()
 
     start_over(aliases=0, ipv6=0)
     stop, results = multiprocessing.Event(), multiprocessing.Queue()

@@ -23,9 +23,17 @@ import subprocess
 import sys
 import tempfile
 
-import machine
+from machine import (
+    alias_text,
+    is_temporary,
+    path_of,
+    read_files,
+    remove_files,
+    require_sandbox,
+    set_addresses,
+    shown_addresses,
+)
 
-SCRIPTS = pathlib.Path("/etc/sysconfig/network-scripts")
 ERRORS = ["EINTR", "EIO", "ENOMEM", "ENOSPC"]
 KILL = "KILL"
 TIMEOUT_SECONDS = 20
@@ -47,24 +55,17 @@ IPV6INIT=yes
 IPV6ADDR=2001:db8::1/64
 IPV6ADDR_SECONDARIES=2001:db8::2/64
 """
-ALIAS_FILE = 'DEVICE="eth0:{0}"\nIPADDR="192.0.2.1{0}"\nNETMASK="255.255.255.0"\n'
-
-
-@dataclasses.dataclass(frozen=True)
-class Scenario:
-    name: str
-    arguments: tuple
 
 
 # The stale file lets the add replace something; deleting .11 takes the other aliases of its
 # subnet with it, so that they have to be brought back.
-SCENARIOS = [
-    Scenario("list", ("--list",)),
-    Scenario("add IPv4", ("--add", "eth0", "192.0.2.13", "255.255.255.0")),
-    Scenario("delete IPv4", ("--del", "198.51.100.1")),
-    Scenario("add IPv6", ("--add", "eth0", "2001:db8::3", "64")),
-    Scenario("delete IPv6", ("--del", "2001:db8::1")),
-]
+SCENARIOS = {
+    "list": ["--list"],
+    "add IPv4": ["--add", "eth0", "192.0.2.13", "255.255.255.0"],
+    "delete IPv4": ["--del", "198.51.100.1"],
+    "add IPv6": ["--add", "eth0", "2001:db8::3", "64"],
+    "delete IPv6": ["--del", "2001:db8::1"],
+}
 
 ADDRESSES = [
     "192.0.2.1/24 label eth0",
@@ -78,34 +79,20 @@ ADDRESSES = [
 
 
 def reset_machine():
-    batch = "address flush dev eth0\n" + "".join(
-        f"address add {address} dev eth0\n" for address in ADDRESSES
-    )
-    subprocess.run(["ip", "-batch", "-"], input=batch, text=True, check=True)
-    for path in SCRIPTS.iterdir():
-        path.unlink()
-    (SCRIPTS / "ifcfg-eth0").write_text(INTERFACE_FILE)
+    set_addresses(ADDRESSES)
+    remove_files()
+    path_of("eth0").write_text(INTERFACE_FILE)
     for number in (1, 2):
-        (SCRIPTS / f"ifcfg-eth0:{number}").write_text(ALIAS_FILE.format(number))
-    (SCRIPTS / "ifcfg-eth0:3").write_text("# left here by somebody\n")
+        path_of(f"eth0:{number}").write_text(alias_text(f"eth0:{number}", f"192.0.2.1{number}"))
+    path_of("eth0:3").write_text("# left here by somebody\n")
     for number in (4, 5):
-        (SCRIPTS / f"ifcfg-eth0:{number}").write_text(
-            f'DEVICE="eth0:{number}"\nIPADDR="198.51.100.{number - 3}"\n'
+        path_of(f"eth0:{number}").write_text(
+            alias_text(f"eth0:{number}", f"198.51.100.{number - 3}")
         )
 
 
-def read_files():
-    return {path.name: path.read_bytes() for path in SCRIPTS.iterdir()}
-
-
 def read_addresses():
-    shown = subprocess.run(
-        ["ip", "-o", "address", "show", "dev", "eth0", "scope", "global"],
-        capture_output=True,
-        text=True,
-        check=True,
-    ).stdout
-    return {" ".join(line.split()[2:4]) for line in shown.splitlines()}
+    return {" ".join(line.split()[2:4]) for line in shown_addresses()}
 
 
 @dataclasses.dataclass
@@ -138,14 +125,10 @@ def run(scenario, injection=None):
         command = ["strace", "-o", trace.name]
         if injection:
             command += ["-e", f"inject={injection}"]
-        command += ["addrtool", *scenario.arguments]
+        command += ["addrtool", *SCENARIOS[scenario]]
         done = subprocess.run(command, capture_output=True, text=True, timeout=TIMEOUT_SECONDS)
         calls = parse_calls(pathlib.Path(trace.name).read_text(errors="replace"))
     return Run(done.returncode, done.stdout, done.stderr, calls, read_files(), read_addresses())
-
-
-def is_temporary(name):
-    return re.fullmatch(r"ifcfg-.*\.[A-Za-z0-9]{6}", name) is not None
 
 
 @dataclasses.dataclass
@@ -209,7 +192,7 @@ class Checker:
                 if fault.kind != KILL and fault.call not in ALLOWED_LEFTOVERS:
                     yield f"left behind: {name}"
             elif contents not in (self.before.get(name), self.after.files.get(name)):
-                if contents == b"" and fault.call in ACCEPTED_LOSSES:
+                if contents == "" and fault.call in ACCEPTED_LOSSES:
                     self.note_loss(f"{name}", ACCEPTED_LOSSES[fault.call])
                 else:
                     yield f"{name} is neither the old nor the new: {contents!r}"
@@ -224,8 +207,8 @@ class Checker:
         return {("inet6 " if "::" in a else "inet ") + a.split()[0] for a in ADDRESSES}
 
     def note_loss(self, where, what):
-        self.losses[(self.scenario.name, where, what)] = (
-            self.losses.get((self.scenario.name, where, what), 0) + 1
+        self.losses[(self.scenario, where, what)] = (
+            self.losses.get((self.scenario, where, what), 0) + 1
         )
 
 
@@ -240,7 +223,7 @@ def try_scenario(scenario, every):
     before = read_files()
     after = run(scenario)
     if after.status != 0:
-        sys.exit(f"{scenario.name}: fails without any fault: {after.err}")
+        sys.exit(f"{scenario}: fails without any fault: {after.err}")
     checker = Checker(scenario, before, after)
     tried = failed = 0
     for number, fault in enumerate(faults_of(after.calls)):
@@ -252,10 +235,10 @@ def try_scenario(scenario, every):
         except subprocess.TimeoutExpired:
             complaints = ["did not end"]
         for complaint in complaints:
-            print(f"FAILED {scenario.name}, {fault}: {complaint}")
+            print(f"FAILED {scenario}, {fault}: {complaint}")
         failed += bool(complaints)
     print(
-        f"{scenario.name:12} {len(after.calls):4} calls {tried:5} faults tried "
+        f"{scenario:12} {len(after.calls):4} calls {tried:5} faults tried "
         f"{tried - failed:5} survived {checker.leftovers:4} temporary files left"
     )
     for (_, where, what), count in sorted(checker.losses.items()):
@@ -269,7 +252,7 @@ def main():
         "--every", type=int, default=1, metavar="N", help="try only each N-th fault of a scenario"
     )
     every = parser.parse_args().every
-    machine.require_sandbox()
+    require_sandbox()
     results = [try_scenario(scenario, every) for scenario in SCENARIOS]
     tried, failed = (sum(column) for column in zip(*results))
     print(f"{tried} faults tried, {tried - failed} survived, {failed} not")

@@ -19,15 +19,13 @@ under valgrind: no error, no leak, no descriptor left open.
 
 import argparse
 import itertools
-import pathlib
 import re
 import subprocess
 import sys
 import time
 
-import machine
+from machine import SCRIPTS, alias_text, ip, list_line, path_of, remove_files, require_sandbox
 
-SCRIPTS = pathlib.Path("/etc/sysconfig/network-scripts")
 DESCRIPTOR_LIMIT = 8  # three streams, and what an edit of a file has open at once
 BYTES_PER_ADDRESS = 512
 REPEATED_LISTINGS = 20
@@ -88,14 +86,10 @@ class Interface:
         return f"172.{16 + self.network // 4}.{self.network % 4 * 64}.1"
 
     def path(self, number=None):
-        label = self.name if number is None else f"{self.name}:{number}"
-        return SCRIPTS / f"ifcfg-{label}"
+        return path_of(self.name if number is None else f"{self.name}:{number}")
 
     def alias_text(self, number):
-        return (
-            f'DEVICE="{self.name}:{number}"\nIPADDR="{self.ipv4(number)}"\n'
-            'NETMASK="255.255.192.0"\n'
-        )
+        return alias_text(f"{self.name}:{number}", self.ipv4(number), "255.255.192.0")
 
     def populate(self, ipv4, ipv6):
         """What ip(8) has to do. One interface's addresses are one subnet, so that the main
@@ -108,8 +102,7 @@ class Interface:
                 f"address add {self.ipv4(number)}/18 dev {self.name} " f"label {self.name}:{number}"
             )
         primary = f"IPV6ADDR={self.ipv6(1)}/64\n"
-        listed = " ".join(f"{address}/64" for address in self.secondaries)
-        listed = f'IPV6ADDR_SECONDARIES="{listed}"\n' if listed else ""
+        listed = list_line(self.secondaries)
         self.is_list_judged = len(listed) <= LONGEST_LINE
         self.path().write_text("".join([FOREIGN_LINES[0], primary, listed, *FOREIGN_LINES[1:]]))
         yield from (
@@ -186,8 +179,7 @@ def check(interfaces, when):
 
 def start_over(names):
     """Fresh interfaces with their main addresses alone."""
-    for path in SCRIPTS.iterdir():
-        path.unlink()
+    remove_files()
     batch = ["address flush dev eth0"]
     interfaces = [Interface(name, network) for network, name in enumerate(names)]
     for interface in interfaces:
@@ -200,14 +192,10 @@ def start_over(names):
             f"address add {interface.main_ipv4()}/18 dev {interface.name}",
             f"address add {interface.ipv6(1)}/64 dev {interface.name} nodad",
         ]
-    run_batch(batch)
+    ip(batch)
     for interface in interfaces:
         list(interface.populate(0, 0))
     return interfaces
-
-
-def run_batch(lines):
-    subprocess.run(["ip", "-batch", "-"], input="\n".join(lines) + "\n", text=True, check=True)
 
 
 def timed(steps, interfaces, count):
@@ -225,7 +213,7 @@ def try_layout(names, options):
     # Shares that come out even, so that each interface has as many as the others.
     share4, rest4 = divmod(options.ipv4 - options.by_addrtool, len(names))
     share6, rest6 = divmod(options.ipv6 - options.by_addrtool_ipv6, len(names))
-    run_batch(
+    ip(
         [
             line
             for number, interface in enumerate(interfaces)
@@ -311,7 +299,7 @@ def main():
     )
     parser.add_argument("--valgrind", metavar="PROGRAM", help="a dynamically linked addrtool")
     options = parser.parse_args()
-    machine.require_sandbox()
+    require_sandbox()
     try_layout(["eth0"], options)
     try_layout([f"load{number}" for number in range(options.interfaces)], options)
     print(f"largest memory of a run {peak_kilobytes} kB, descriptors below {DESCRIPTOR_LIMIT}")
