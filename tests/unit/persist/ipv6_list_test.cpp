@@ -13,30 +13,20 @@ namespace addrtool::testing {
 namespace {
 
 using Entries = std::vector<AddressRecord>;
-using Table = std::vector<std::pair<std::string, Entries>>;
 
-void expectLists(const Table& table) {
-  for (const auto& [line, expected] : table) {
-    Entries entries;
-    parseIPv6List(line, entries);
-    EXPECT_EQ(entries, expected) << "for the line '" << line << "'";
-  }
-}
-
-TEST(IPv6List, IsWhatFollowsTheEqualsSignSplitAtWhiteSpace) {
+TEST(IPv6List, IsParsedEntryByEntry) {
   const AddressRecord first{"2001:db8::2", 64};
   const AddressRecord second{"2001:db8::3", 48};
-  expectLists({
+  const Entries cutFirst{{"2001:db8::2", 0}};
+  const Entries cutLast{first, {"2001:db8::3", 0}};
+  const std::vector<std::pair<std::string, Entries>> table{
+      // What follows the equals sign, split at white space.
       {"K=2001:db8::2/64", {first}},
       {"K=2001:db8::2/64\n", {first}},
       {"K=2001:db8::2/64 2001:db8::3/48\n", {first, second}},
       {"K= \t2001:db8::2/64\v \f2001:db8::3/48\r\n", {first, second}},
       {"=2001:db8::2/64\n", {first}},
-  });
-}
-
-TEST(IPv6List, IsEmptyWithoutAValue) {
-  expectLists({
+      // Without a value, nothing.
       {"", {}},
       {"\n", {}},
       {"K\n", {}},
@@ -47,41 +37,31 @@ TEST(IPv6List, IsEmptyWithoutAValue) {
       {"K=\"\"", {}},
       {"K=''\n", {}},
       {"K=\"\"\"''\n", {}},
-  });
-}
-
-TEST(IPv6List, AClosingQuoteCostsTheLastEntryItsPrefixLength) {
-  const AddressRecord first{"2001:db8::2", 64};
-  expectLists({
-      {"K=\"2001:db8::2/64\"\n", {{"2001:db8::2", 0}}},
-      {"K='2001:db8::2/64'\n", {{"2001:db8::2", 0}}},
-      {"K=\"2001:db8::2/64\"", {{"2001:db8::2", 0}}},
-      {"K=\"2001:db8::2/64 2001:db8::3/64\"\n", {first, {"2001:db8::3", 0}}},
-      {"K=\"'\"2001:db8::2/64 2001:db8::3/64'\"\n", {first, {"2001:db8::3", 0}}},
-  });
-}
-
-TEST(IPv6List, AnOpeningQuoteAloneCostsNothing) {
-  expectLists({{"K=\"2001:db8::2/64\n", {{"2001:db8::2", 64}}},
-               {"K=''\"2001:db8::2/64\n", {{"2001:db8::2", 64}}}});
-}
-
-TEST(IPv6List, TheLengthOfTheValueIsThePlaceOfItsEndInTheLine) {
-  // Only a line without a key is short enough for that to cut something off.
-  expectLists({{"=2001:db8::2/64\"", {{"2001:db8::2", 64}}}});
-}
-
-TEST(IPv6List, KeepsAddressesAsTheyAreWritten) {
-  expectLists({{"K=2001:DB8:0:0::1/64 junk/7 192.0.2.1/24 /8 a=b/9\n",
-                {{"2001:DB8:0:0::1", 64}, {"junk", 7}, {"192.0.2.1", 24}, {"", 8}, {"a=b", 9}}},
-               {"K=x/7\n", {{"x", 7}}}});
-}
-
-TEST(IPv6List, APrefixLengthThatIsNoNumberIsZero) {
-  expectLists(
-      {{"K=a/0 b/ c/64x d/-1 e/65536 f/x g/'64' h/0x40\n",
-        {{"a", 0}, {"b", 0}, {"c", 0}, {"d", 0}, {"e", 0}, {"f", 0}, {"g", 0}, {"h", 0}}},
-       {"K=a/65535 b/+64 c/0064 d/129\n", {{"a", 65535}, {"b", 64}, {"c", 64}, {"d", 129}}}});
+      // A closing quote costs the last entry its prefix length, an opening one nothing.
+      {"K=\"2001:db8::2/64\"\n", cutFirst},
+      {"K='2001:db8::2/64'\n", cutFirst},
+      {"K=\"2001:db8::2/64\"", cutFirst},
+      {"K=\"2001:db8::2/64 2001:db8::3/64\"\n", cutLast},
+      {"K=\"'\"2001:db8::2/64 2001:db8::3/64'\"\n", cutLast},
+      {"K=\"2001:db8::2/64\n", {first}},
+      {"K=''\"2001:db8::2/64\n", {first}},
+      // The value is as long as the place of its end in the line. Without a key that cuts the
+      // quote.
+      {"=2001:db8::2/64\"", {first}},
+      // Addresses stay as they are written.
+      {"K=2001:DB8:0:0::1/64 junk/7 192.0.2.1/24 /8 a=b/9\n",
+       {{"2001:DB8:0:0::1", 64}, {"junk", 7}, {"192.0.2.1", 24}, {"", 8}, {"a=b", 9}}},
+      {"K=x/7\n", {{"x", 7}}},
+      // A prefix length that is no number is 0.
+      {"K=a/0 b/ c/64x d/-1 e/65536 f/x g/'64' h/0x40\n",
+       {{"a", 0}, {"b", 0}, {"c", 0}, {"d", 0}, {"e", 0}, {"f", 0}, {"g", 0}, {"h", 0}}},
+      {"K=a/65535 b/+64 c/0064 d/129\n", {{"a", 65535}, {"b", 64}, {"c", 64}, {"d", 129}}},
+  };
+  for (const auto& [line, expected] : table) {
+    Entries entries;
+    parseIPv6List(line, entries);
+    EXPECT_EQ(entries, expected) << "for the line '" << line << "'";
+  }
 }
 
 TEST(IPv6List, IsAppendedToWhatIsThere) {
