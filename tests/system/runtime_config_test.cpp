@@ -23,7 +23,12 @@ void print(const char* text) {
   std::printf("%s\n", text == nullptr ? "(null)" : text);
 }
 
-// What a child prints on standard output that finds the file (none for null) at its start.
+void printLoading() {
+  std::printf("%d\n", loadRuntimeConfiguration());
+}
+
+// What a child process prints on standard output if the file has these contents at its start. Null
+// stands for no file.
 std::string outputWith(const char* contents, const std::function<void()>& function) {
   fs::create_directories(config.parent_path());
   fs::remove(config);
@@ -33,48 +38,59 @@ std::string outputWith(const char* contents, const std::function<void()>& functi
   return outcome.out;
 }
 
+// Expects that the function returns true in a child process, which prints nothing.
+void expectInChild(const std::function<bool()>& function) {
+  EXPECT_EQ(runInChild([&] { std::exit(function() ? 9 : 8); }), (Outcome{9, 0, "", ""}));
+}
+
+// Prints the result of the function for every variable.
+void printAll(const char* (*valueOf)(ConfigVariable)) {
+  for (std::size_t i = 0; i < configVariables.size(); ++i) {
+    print(valueOf(static_cast<ConfigVariable>(i)));
+  }
+}
+
+std::string joinedDefaults(std::size_t count) {
+  std::string defaults;
+  for (std::size_t i = 0; i < count; ++i) {
+    defaults += std::string(configVariables.at(i).defaultValue) + "\n";
+  }
+  return defaults;
+}
+
 TEST(LoadRuntimeConfiguration, ReadsTheFileOnce) {
   EXPECT_EQ(outputWith("NAME first\n",
                        [] {
-                         std::printf("%d\n", loadRuntimeConfiguration());
+                         printLoading();
                          writeFile(config, "NAME second\n");
-                         std::printf("%d\n", loadRuntimeConfiguration());
+                         printLoading();
                          print(lookupConfigFile("NAME"));
                          fs::remove(config);
-                         std::printf("%d\n", loadRuntimeConfiguration());
+                         printLoading();
                        }),
             "0\n0\nfirst\n0\n");
 }
 
-TEST(LoadRuntimeConfiguration, AFailureGivesItsMemoryBack) {
+TEST(LoadRuntimeConfiguration, AMissingFileFailsSilentlyAndLeaksNothing) {
   fs::remove_all(config.parent_path());
-  EXPECT_EQ(runInChild([] {
-              static_cast<void>(loadRuntimeConfiguration());
-              const std::size_t before = mallinfo2().uordblks;
-              for (int i = 0; i < 1000; ++i) static_cast<void>(loadRuntimeConfiguration());
-              std::exit(mallinfo2().uordblks - before < 20000 ? 9 : 8);
-            }),
-            (Outcome{9, 0, "", ""}));
-}
-
-TEST(LoadRuntimeConfiguration, AMissingFileFailsSilently) {
-  fs::remove_all(config.parent_path());
-  EXPECT_EQ(runInChild([] {
-              const int result = loadRuntimeConfiguration();
-              std::exit(result == -1 && errno == ENOENT ? 9 : 8);
-            }),
-            (Outcome{9, 0, "", ""}));
+  expectInChild([] { return loadRuntimeConfiguration() == -1 && errno == ENOENT; });
+  expectInChild([] {
+    static_cast<void>(loadRuntimeConfiguration());
+    const std::size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < 1000; ++i) static_cast<void>(loadRuntimeConfiguration());
+    return mallinfo2().uordblks - before < 20000;
+  });
 }
 
 TEST(LoadRuntimeConfiguration, NothingIsKeptAfterAFailure) {
   EXPECT_EQ(outputWith(nullptr,
                        [] {
-                         std::printf("%d\n", loadRuntimeConfiguration());
+                         printLoading();
                          fs::create_directory(config);
-                         std::printf("%d\n", loadRuntimeConfiguration());
+                         printLoading();
                          fs::remove(config);
                          writeFile(config, "NAME value\n");
-                         std::printf("%d\n", loadRuntimeConfiguration());
+                         printLoading();
                          print(lookupConfigFile("NAME"));
                        }),
             "-1\n-1\n0\nvalue\n");
@@ -84,18 +100,17 @@ TEST(LoadRuntimeConfiguration, WithoutMemoryForTheStructureItSaysSo) {
   EXPECT_EQ(outputWith(definesNothing,
                        [] {
                          const FailingAllocations failing(1);
-                         std::printf("%d\n", loadRuntimeConfiguration());
-                         std::printf("%d\n", loadRuntimeConfiguration());
+                         printLoading();
+                         printLoading();
                        }),
             "Not enough memory to allocate Vexa runtime configuration structure\n-1\n0\n");
-  EXPECT_EQ(runInChild([] {
-              const LogRecorder log;
-              const FailingAllocations failing(1);
-              const bool failed = loadRuntimeConfiguration() == -1;
-              const auto messages = LogRecorder::take();
-              std::exit(failed && messages.size() == 1 && messages[0].priority == 3 ? 0 : 8);
-            }),
-            silentSuccess);
+  expectInChild([] {
+    const LogRecorder log;
+    const FailingAllocations failing(1);
+    const bool failed = loadRuntimeConfiguration() == -1;
+    const auto messages = LogRecorder::take();
+    return failed && messages.size() == 1 && messages[0].priority == 3;
+  });
 }
 
 TEST(LoadRuntimeConfiguration, WithoutMemoryForTheTableItFails) {
@@ -104,7 +119,7 @@ TEST(LoadRuntimeConfiguration, WithoutMemoryForTheTableItFails) {
                          [nth] {
                            {
                              const FailingAllocations failing(nth);
-                             std::printf("%d\n", loadRuntimeConfiguration());
+                             printLoading();
                            }
                            print(lookupConfigFile("NAME"));
                          }),
@@ -134,14 +149,18 @@ TEST(LookupConfigFile, GivesNullWhileTheFileCannotBeLoaded) {
             "(null)\nvalue\n");
 }
 
-TEST(GetConfigValue, GivesWhatTheFileSays) {
-  EXPECT_EQ(outputWith("DUMP_D /elsewhere\nSA_MAX_MAIL_SIZE 7\n",
+TEST(ConfigValues, ComeFromTheFileFirst) {
+  EXPECT_EQ(outputWith("DUMP_D /elsewhere\nSA_MAX_MAIL_SIZE 7\n"
+                       "_MIN_POSSIBLE_KEL_CONF_VAR_NAME lowest\n",
                        [] {
                          print(getConfigValue(ConfigVariable::DUMP_D));
                          print(getConfigValue(ConfigVariable::SA_MAX_MAIL_SIZE));
                          print(getConfigValue(ConfigVariable::DUMP_TMP_D));
+                         print(getConfigValueOrDefault(ConfigVariable::DUMP_D));
+                         print(getConfigValueByName("DUMP_D"));
+                         print(getConfigValueByName("_MIN_POSSIBLE_KEL_CONF_VAR_NAME"));
                        }),
-            "/elsewhere\n7\n(null)\n");
+            "/elsewhere\n7\n(null)\n/elsewhere\n/elsewhere\nlowest\n");
 }
 
 TEST(GetConfigValue, GivesOneTextEachTimeButRemembersNoMiss) {
@@ -163,37 +182,19 @@ TEST(GetConfigValue, EveryVariableHasItsOwnValue) {
     contents += std::string(configVariables.at(i).name) + " " + std::to_string(i) + "\n";
     values += std::to_string(i) + "\n";
   }
-  const auto printAll = [] {
-    for (std::size_t i = 0; i < configVariables.size(); ++i) {
-      print(getConfigValue(static_cast<ConfigVariable>(i)));
-    }
-  };
   EXPECT_EQ(outputWith(contents.c_str(),
                        [&] {
-                         printAll();
-                         printAll();
+                         printAll(getConfigValue);
+                         printAll(getConfigValue);
                        }),
             values + values);
 }
 
 TEST(GetConfigValueOrDefault, FallsBackToTheDefaultOfTheVariable) {
-  std::string defaults;
-  for (const ConfigVariableInfo& variable : configVariables) {
-    defaults += std::string(variable.defaultValue) + "\n";
+  for (const char* const contents : {definesNothing, static_cast<const char*>(nullptr)}) {
+    EXPECT_EQ(outputWith(contents, [] { printAll(getConfigValueOrDefault); }),
+              joinedDefaults(configVariables.size()));
   }
-  const auto printAll = [] {
-    for (std::size_t i = 0; i < configVariables.size(); ++i) {
-      print(getConfigValueOrDefault(static_cast<ConfigVariable>(i)));
-    }
-  };
-  EXPECT_EQ(outputWith(definesNothing, printAll), defaults);
-  EXPECT_EQ(outputWith(nullptr, printAll), defaults);
-}
-
-TEST(GetConfigValueOrDefault, PrefersTheFile) {
-  EXPECT_EQ(outputWith("DUMP_D /elsewhere\n",
-                       [] { print(getConfigValueOrDefault(ConfigVariable::DUMP_D)); }),
-            "/elsewhere\n");
 }
 
 TEST(GetConfigValue, OutsideTheTableIsNull) {
@@ -208,28 +209,15 @@ TEST(GetConfigValue, OutsideTheTableIsNull) {
   }
 }
 
-TEST(GetConfigValueByName, KnowsTheVariablesButTheUpperSentinel) {
-  std::string defaults;
-  for (const ConfigVariableInfo& variable : configVariables) {
-    if (&variable != &configVariables.back()) defaults += std::string(variable.defaultValue) + "\n";
-  }
+TEST(GetConfigValueByName, KnowsAllVariablesButTheUpperSentinel) {
+  const std::size_t known = configVariables.size() - 1;
   EXPECT_EQ(outputWith(definesNothing,
-                       [] {
-                         for (const ConfigVariableInfo& variable : configVariables) {
-                           if (&variable == &configVariables.back()) continue;
-                           print(getConfigValueByName(variable.name));
+                       [known] {
+                         for (std::size_t i = 0; i < known; ++i) {
+                           print(getConfigValueByName(configVariables.at(i).name));
                          }
                        }),
-            defaults);
-}
-
-TEST(GetConfigValueByName, PrefersTheFile) {
-  EXPECT_EQ(outputWith("DUMP_D /elsewhere\n_MIN_POSSIBLE_KEL_CONF_VAR_NAME lowest\n",
-                       [] {
-                         print(getConfigValueByName("DUMP_D"));
-                         print(getConfigValueByName("_MIN_POSSIBLE_KEL_CONF_VAR_NAME"));
-                       }),
-            "/elsewhere\nlowest\n");
+            joinedDefaults(known));
 }
 
 TEST(GetConfigValueByName, LogsAnUnknownName) {
@@ -241,13 +229,12 @@ TEST(GetConfigValueByName, LogsAnUnknownName) {
     writeFile(config, name + " value\n");  // which does not make it known
     EXPECT_EQ(runInChild([&] { print(getConfigValueByName(name.c_str())); }),
               (Outcome{0, 0, line + "(null)\n", line}));
-    EXPECT_EQ(runInChild([&] {
-                const LogRecorder log;
-                getConfigValueByName(name.c_str());
-                const auto messages = LogRecorder::take();
-                std::exit(messages.size() == 1 && messages[0].priority == 3 ? 0 : 8);
-              }),
-              silentSuccess);
+    expectInChild([&] {
+      const LogRecorder log;
+      getConfigValueByName(name.c_str());
+      const auto messages = LogRecorder::take();
+      return messages.size() == 1 && messages[0].priority == 3;
+    });
   }
 }
 
