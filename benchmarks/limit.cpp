@@ -1,11 +1,13 @@
-// The limit: the least work with which a program can print what `addrtool --list` prints, byte
-// for byte, for scripts/bench to measure addrtool against. It keeps the same rules: one request,
-// one buffer of 8,192 bytes for it and every reply, the same filters and order, the interface's
-// name asked of the kernel, one write for each line. And it spends nothing on anything else: it
-// believes every length that the kernel gives, explains no failure (it aborts), allocates
-// nothing, sorts by plain integers, writes the digits of IPv4 addresses itself, and of the
-// C++ library uses only what the compiler expands in place. This is no way to write a program
-// that has to be trusted.
+// The limit: the least work with which a program can print what `addrtool --list` prints, byte for
+// byte. scripts/bench measures addrtool against it.
+//
+// It follows the same rules: one request, one buffer of 8,192 bytes for the request and every
+// reply, the same filters, the same order, interface names from the kernel, one write for each
+// line.
+//
+// It leaves out everything else. It trusts every length that the kernel gives, aborts on a failure,
+// allocates nothing, sorts by plain integers, formats IPv4 addresses itself, and uses only what the
+// compiler inlines of the C++ library. Do not write a program like this if it has to be trusted.
 #include <arpa/inet.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
@@ -39,14 +41,14 @@ struct Address {
   std::array<unsigned char, 16> bytes{};
 };
 
-// This is the order of the lines.
+// The order of the lines.
 bool comesBefore(const Address& one, const Address& other) {
   return std::tie(one.interface, one.kind, one.suffix, one.arrival) <
          std::tie(other.interface, other.kind, other.suffix, other.arrival);
 }
 
 struct Addresses {
-  std::array<Address, 65'536> items;  // only what is used of it ever takes memory
+  std::array<Address, 65'536> items;  // takes memory only as far as it is used
   std::uint32_t count = 0;
 
   void append(const Address& address) {
@@ -200,7 +202,7 @@ void list() {
     const bool sameInterface = last != nullptr && last->interface == address.interface;
     if (sameInterface && address.kind == aliasIPv4 && last->kind == aliasIPv4 &&
         last->suffix == address.suffix) {
-      continue;  // of two aliases with one suffix the first to arrive counts
+      continue;  // of two aliases with the same suffix, the first to arrive counts
     }
     printLine(address, !sameInterface && address.kind != ipv6);
     last = &address;
