@@ -2,8 +2,14 @@
 
 import dataclasses
 
-LONG_OPTIONS = {"list": "l", "add": "a", "del": "d", "qv-assigned-ip": "v", "help": "h",
-                "main": "m"}
+LONG_OPTIONS = {
+    "list": "l",
+    "add": "a",
+    "del": "d",
+    "qv-assigned-ip": "v",
+    "help": "h",
+    "main": "m",
+}
 TAKES_ARGUMENT = "adv"
 SHORT_OPTIONS = "ladvh"
 

@@ -82,8 +82,9 @@ def delete_from_lists(text, ip):
     lines = split_lines(text)
     names = [line.partition("=")[0] if "=" in line else None for line in lines]
     primaries = [primary_of(line) for line, name in zip(lines, names) if name == PRIMARY]
-    entries = [entry for line, name in zip(lines, names) if name == LIST
-               for entry in entries_of(line)]
+    entries = [
+        entry for line, name in zip(lines, names) if name == LIST for entry in entries_of(line)
+    ]
     new_primary = None
     if primaries and is_same_address(primaries[-1], ip):
         if not entries:
@@ -91,5 +92,7 @@ def delete_from_lists(text, ip):
         new_primary = f"{PRIMARY}={joined([entries.pop(0)])}\n"
     entries = [entry for entry in entries if not is_same_address(entry[0], ip)]
     new_list = f'{LIST}="{joined(entries)}"\n' if entries else ""
-    return "".join(new_primary if name == PRIMARY and new_primary else
-                   new_list if name == LIST else line for line, name in zip(lines, names))
+    return "".join(
+        new_primary if name == PRIMARY and new_primary else new_list if name == LIST else line
+        for line, name in zip(lines, names)
+    )

@@ -101,14 +101,20 @@ class Kernel:
     def remove(self, link, address):
         """A primary takes its secondaries with it, or hands its place to the first of them."""
         position = index_of(link.ipv4, address)
-        followers = link.ipv4[position + 1:]
-        secondaries = [other for other in followers if not address.is_secondary
-                       and other.is_secondary and other.shares_subnet_with(address)]
+        followers = link.ipv4[position + 1 :]
+        secondaries = [
+            other
+            for other in followers
+            if not address.is_secondary and other.is_secondary and other.shares_subnet_with(address)
+        ]
         if secondaries and self.promotes_secondaries:
             self.promote(link, address, secondaries[0])
         elif secondaries:
-            link.ipv4 = [other for other in link.ipv4
-                         if not any(other is secondary for secondary in secondaries)]
+            link.ipv4 = [
+                other
+                for other in link.ipv4
+                if not any(other is secondary for secondary in secondaries)
+            ]
         del link.ipv4[index_of(link.ipv4, address)]
 
     def promote(self, link, address, promoted):
@@ -170,9 +176,16 @@ class Kernel:
         if any(other.ip == address.ip for other in addresses):
             refuse(errno.EEXIST)
         rank = address.scope_rank()
-        position = next((position for position, other in enumerate(addresses)
-                         if rank > other.scope_rank()
-                         or self.newest_ipv6_first and rank == other.scope_rank()), len(addresses))
+        position = next(
+            (
+                position
+                for position, other in enumerate(addresses)
+                if rank > other.scope_rank()
+                or self.newest_ipv6_first
+                and rank == other.scope_rank()
+            ),
+            len(addresses),
+        )
         addresses.insert(position, address)
 
     def remove_ipv6(self, name, ip):

@@ -33,6 +33,7 @@ LEFTOVERS = "Some parameters in command string are left unprocessed. Check param
 @dataclasses.dataclass
 class File:
     """A file of the directory; a directory or a symbolic link has no text."""
+
     text: str | None
     mode: int = 0o644
     owner: tuple = (0, 0)
@@ -75,6 +76,7 @@ class Streams:
 @dataclasses.dataclass
 class Interface:
     """What is managed of an interface."""
+
     name: str
     mains: list
     aliases: list  # of (suffix, address), in the order of the suffixes
@@ -104,7 +106,7 @@ def is_managed_ipv6(ip):
 
 def netmask_of(prefix):
     """A prefix length of 0 shows as 255.255.255.255."""
-    bits = 0xffffffff << (32 - (prefix or 32)) & 0xffffffff
+    bits = 0xFFFFFFFF << (32 - (prefix or 32)) & 0xFFFFFFFF
     return socket.inet_ntoa(bits.to_bytes(4, "big"))
 
 
@@ -122,10 +124,13 @@ def listing(world):
     for interface in inventory(world.kernel):
         ipv4 = interface.mains + [address for _, address in interface.aliases]
         for position, address in enumerate(ipv4):
-            lines.append(f"{address.ip} {netmask_of(address.prefix)} {interface.name}"
-                         f" {int(position == 0)}\n")
-        lines += [f"{address.ip} {address.prefix} {interface.name} 0\n"
-                  for address in interface.ipv6]
+            lines.append(
+                f"{address.ip} {netmask_of(address.prefix)} {interface.name}"
+                f" {int(position == 0)}\n"
+            )
+        lines += [
+            f"{address.ip} {address.prefix} {interface.name} 0\n" for address in interface.ipv6
+        ]
     return "".join(lines)
 
 
@@ -180,8 +185,10 @@ class Run:
             raise Failure(f"{IFCONFIG} {command} exited with non-zero status {status}")
 
     def alias_up(self, label, text, prefix):
-        self.ifconfig(f"'{label}' '{text}' netmask  '{netmask_of(prefix)}' up",
-                      kernel_model.ifconfig_alias_up(self.kernel, label, text, prefix or 32))
+        self.ifconfig(
+            f"'{label}' '{text}' netmask  '{netmask_of(prefix)}' up",
+            kernel_model.ifconfig_alias_up(self.kernel, label, text, prefix or 32),
+        )
 
     # Adding
 
@@ -217,8 +224,12 @@ class Run:
         prefix = interface_file.parse_unsigned16(length)
         if prefix is None:
             raise Failure(f"{length}: cannot convert to int")
-        self.ifconfig(f"{name} add {text}/{prefix}", kernel_model.ifconfig_add_ipv6(
-            self.kernel, name, text, prefix, self.world.ifconfig_usage))
+        self.ifconfig(
+            f"{name} add {text}/{prefix}",
+            kernel_model.ifconfig_add_ipv6(
+                self.kernel, name, text, prefix, self.world.ifconfig_usage
+            ),
+        )
         self.edit_file(name, interface_file.add_to_list, text, prefix)
 
     # Deleting
@@ -233,8 +244,9 @@ class Run:
         for interface in inventory(self.kernel):
             if any(address.ip == text for address in interface.mains):
                 raise Failure(f"{text}: cannot delete main IP on interface")
-            suffix = next((suffix for suffix, address in interface.aliases
-                           if address.ip == text), None)
+            suffix = next(
+                (suffix for suffix, address in interface.aliases if address.ip == text), None
+            )
             if suffix is not None:
                 self.delete_alias(interface, suffix)
                 return
@@ -256,8 +268,14 @@ class Run:
 
     def delete_ipv6(self, text):
         for interface in inventory(self.kernel):
-            address = next((address for address in interface.ipv6
-                            if interface_file.is_same_address(text, address.ip)), None)
+            address = next(
+                (
+                    address
+                    for address in interface.ipv6
+                    if interface_file.is_same_address(text, address.ip)
+                ),
+                None,
+            )
             if not address:
                 continue
             if len(interface.ipv6) == 1:

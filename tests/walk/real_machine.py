@@ -34,8 +34,9 @@ class RealMachine:
 
     def __init__(self, program):
         self.program = program
-        self.netlink = socket.socket(socket.AF_NETLINK, socket.SOCK_RAW | socket.SOCK_CLOEXEC,
-                                     socket.NETLINK_ROUTE)
+        self.netlink = socket.socket(
+            socket.AF_NETLINK, socket.SOCK_RAW | socket.SOCK_CLOEXEC, socket.NETLINK_ROUTE
+        )
         self.netlink.bind((0, 0))
         self.control = socket.socket(socket.AF_INET, socket.SOCK_DGRAM | socket.SOCK_CLOEXEC)
         self.output, self.error = (os.memfd_create(name) for name in ("output", "error"))
@@ -121,7 +122,7 @@ class RealMachine:
         if label:
             body += attribute(IFA_LABEL, label.encode() + b"\0")
         self.send(RTM_NEWADDR, NLM_F_ACK | NLM_F_CREATE | NLM_F_EXCL, body)
-        error, = struct.unpack_from("=i", self.netlink.recv(65536), HEADER.size)
+        (error,) = struct.unpack_from("=i", self.netlink.recv(65536), HEADER.size)
         if error:
             raise OSError(-error, os.strerror(-error))
 
@@ -180,9 +181,16 @@ class RealMachine:
         environment = {"PATH": os.environ["PATH"]}
         if operands_end_options:
             environment["POSIXLY_CORRECT"] = "1"
-        child = os.posix_spawn(self.program, ["addrtool", *arguments], environment, file_actions=[
-            (os.POSIX_SPAWN_OPEN, 0, "/dev/null", os.O_RDONLY, 0),
-            (os.POSIX_SPAWN_DUP2, self.output, 1), (os.POSIX_SPAWN_DUP2, error, 2)])
+        child = os.posix_spawn(
+            self.program,
+            ["addrtool", *arguments],
+            environment,
+            file_actions=[
+                (os.POSIX_SPAWN_OPEN, 0, "/dev/null", os.O_RDONLY, 0),
+                (os.POSIX_SPAWN_DUP2, self.output, 1),
+                (os.POSIX_SPAWN_DUP2, error, 2),
+            ],
+        )
         signal.signal(signal.SIGALRM, lambda *_: os.kill(child, signal.SIGKILL))
         signal.alarm(TIMEOUT_SECONDS)
         status = os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
@@ -202,7 +210,7 @@ class RealMachine:
                 length, kind, *_ = HEADER.unpack_from(datagram, offset)
                 if kind == NLMSG_DONE:
                     return found
-                self.take_address(datagram[offset + HEADER.size:offset + length], names, found)
+                self.take_address(datagram[offset + HEADER.size : offset + length], names, found)
                 offset += length + 3 & ~3
 
     @staticmethod
@@ -213,7 +221,7 @@ class RealMachine:
         values, offset = {}, ADDRESS_MESSAGE.size
         while offset < len(message):
             length, kind = struct.unpack_from("=HH", message, offset)
-            values[kind] = message[offset + 4:offset + length]
+            values[kind] = message[offset + 4 : offset + length]
             offset += length + 3 & ~3
         ip = socket.inet_ntop(family, values.get(IFA_LOCAL, values.get(IFA_ADDRESS)))
         ipv4, ipv6 = found[names[index]]

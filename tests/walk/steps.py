@@ -53,16 +53,20 @@ def add_address(world, machine, name, ip, prefix, scope, label):
     if name not in world.kernel.links:
         return
     link, address = world.kernel.links[name], Address4(ip, prefix, label, scope)
-    require_equal("the kernel's answer",
-                  answer_of(lambda: world.kernel.insert(link, address)),
-                  answer_of(lambda: machine.add_address(name, ip, prefix, scope, label)))
+    require_equal(
+        "the kernel's answer",
+        answer_of(lambda: world.kernel.insert(link, address)),
+        answer_of(lambda: machine.add_address(name, ip, prefix, scope, label)),
+    )
 
 
 def add_ipv6_address(world, machine, name, ip, prefix):
     if name in world.kernel.links:
-        require_equal("the kernel's answer",
-                      answer_of(lambda: world.kernel.insert_ipv6(name, Address6(ip, prefix))),
-                      answer_of(lambda: machine.add_address(name, ip, prefix, 0, None)))
+        require_equal(
+            "the kernel's answer",
+            answer_of(lambda: world.kernel.insert_ipv6(name, Address6(ip, prefix))),
+            answer_of(lambda: machine.add_address(name, ip, prefix, 0, None)),
+        )
 
 
 def answer_of(action):
@@ -125,10 +129,19 @@ def run(world, machine, arguments, is_merged, operands_end_options):
 
 
 APPLY = {
-    "link": add_link, "up": set_up, "rename": rename, "promote": promote,
-    "address": add_address, "ipv6": add_ipv6_address,
-    "file": put_file, "symlink": put_symbolic_link, "remove": remove_file, "directory": set_scripts,
-    "suse": set_suse, "veinfo": set_veinfo, "configuration": set_configuration,
+    "link": add_link,
+    "up": set_up,
+    "rename": rename,
+    "promote": promote,
+    "address": add_address,
+    "ipv6": add_ipv6_address,
+    "file": put_file,
+    "symlink": put_symbolic_link,
+    "remove": remove_file,
+    "directory": set_scripts,
+    "suse": set_suse,
+    "veinfo": set_veinfo,
+    "configuration": set_configuration,
     "run": run,
 }
 
@@ -138,16 +151,25 @@ def compare(world, machine):
     addresses = machine.addresses()
     for name, link in world.kernel.links.items():
         ipv4, ipv6 = addresses[name]
-        require_equal(f"the IPv4 addresses of {name}",
-                      [dataclasses.astuple(address) for address in link.ipv4], ipv4)
-        require_equal(f"the IPv6 addresses of {name}",
-                      [dataclasses.astuple(address) for address in link.ipv6], ipv6)
+        require_equal(
+            f"the IPv4 addresses of {name}",
+            [dataclasses.astuple(address) for address in link.ipv4],
+            ipv4,
+        )
+        require_equal(
+            f"the IPv6 addresses of {name}",
+            [dataclasses.astuple(address) for address in link.ipv6],
+            ipv6,
+        )
         require_equal(f"whether {name} is up", link.is_up, machine.is_up(name))
     expected = [(without_random(name), file) for name, file in world.files.items()]
     files = machine.files()
     if sorted(expected, key=str) != files:
-        require_equal("the files", [file for file in expected if file not in files],
-                      [file for file in files if file not in expected])
+        require_equal(
+            "the files",
+            [file for file in expected if file not in files],
+            [file for file in files if file not in expected],
+        )
         raise Difference("the number of temporary files")
 
 
