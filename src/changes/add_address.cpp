@@ -37,7 +37,7 @@ void addIPv4Address(const std::string& interface, const AddressRecord& record) {
   const std::string number = lowestFreeAliasNumber(found->second.aliases);
   const std::string label = interface + ':' + number;
   // A higher number is never shorter, so when the lowest one does not fit, none does.
-  if (number.empty() || !isHoldableLabel(label)) {
+  if (number.empty() || !kernelCanHoldLabel(label)) {
     throw std::runtime_error(interface + ": no free alias number.");
   }
   bringUpAlias(label, record);

@@ -9,8 +9,8 @@
 namespace addrtool {
 namespace {
 
-void requireHoldableLabel(const std::string& label) {
-  if (!isHoldableLabel(label)) throw std::runtime_error(label + ": alias label too long.");
+void requireShortLabel(const std::string& label) {
+  if (!kernelCanHoldLabel(label)) throw std::runtime_error(label + ": alias label too long.");
 }
 
 }  // namespace
@@ -29,18 +29,18 @@ void runIfconfig(const std::string& arguments) {
   }
 }
 
-bool isHoldableLabel(const std::string& label) {
+bool kernelCanHoldLabel(const std::string& label) {
   return label.size() < IFNAMSIZ;  // which counts the terminating NUL
 }
 
 void bringUpAlias(const std::string& label, const AddressRecord& record) {
-  requireHoldableLabel(label);
+  requireShortLabel(label);
   runIfconfig("'" + label + "' '" + record.address + "' netmask  '" + prefixToNetmask(record) +
               "' up");
 }
 
 void takeDownAlias(const std::string& label) {
-  requireHoldableLabel(label);
+  requireShortLabel(label);
   runIfconfig("'" + label + "' down");
 }
 

@@ -21,7 +21,7 @@ void runIfconfig(const std::string& arguments);
 /// Whether the kernel can hold the alias label, which has at most 15 bytes. /sbin/ifconfig
 /// truncates a longer label without a warning, and then changes the alias or the interface that has
 /// the truncated name.
-bool isHoldableLabel(const std::string& label);
+bool kernelCanHoldLabel(const std::string& label);
 
 /// Brings an alias up with its address and netmask. Raises std::runtime_error, the label followed
 /// by ": alias label too long.", before any command runs, when the kernel cannot hold the label.

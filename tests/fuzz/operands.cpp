@@ -154,7 +154,7 @@ Outcome modelAdd(const std::string& interface, const std::string& address, const
 }
 
 // Whether the command is none for an alias, or the word that the shell takes as its label is short.
-bool namesHoldableLabel(const std::string& command) {
+bool namesShortLabel(const std::string& command) {
   if (!command.ends_with("' up") && !command.ends_with("' down")) return true;
   const std::size_t start = std::string_view("/sbin/ifconfig '").size();
   return !isTooLong(command.substr(start, command.find('\'', start) - start));
@@ -272,7 +272,7 @@ int __real_unlink(const char* path);
 int __wrap_system(const char* command) {
   if (!addrtool::fuzz::world.isArmed) return __real_system(command);
   const std::string text = command;
-  addrtool::fuzz::require(addrtool::fuzz::namesHoldableLabel(text),
+  addrtool::fuzz::require(addrtool::fuzz::namesShortLabel(text),
                           "no command names a label that the kernel cannot hold");
   addrtool::fuzz::world.commands.push_back(text);
   return addrtool::fuzz::world.status;
