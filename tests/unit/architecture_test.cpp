@@ -31,7 +31,7 @@ std::vector<std::smatch> findAll(const std::string& text, const std::string& pat
 // The folders among the linked libraries: addrtool_inventory is the library of inventory.
 Folders foldersIn(const std::string& libraries) {
   Folders folders;
-  for (const std::smatch& match : findAll(libraries, "addrtool_(\\w+)")) {
+  for (const std::smatch& match : findAll(libraries, R"(addrtool_(\w+))")) {
     if (match[1] != "flags") folders.insert(match[1]);
   }
   return folders;
@@ -41,10 +41,11 @@ Folders foldersIn(const std::string& libraries) {
 Arrows linkedFolders() {
   const std::string build = readFile(root / "src/CMakeLists.txt");
   Arrows arrows;
-  for (const std::smatch& match : findAll(build, "add_subsystem\\((\\w+) SOURCES([^)]*)\\)")) {
+  for (const std::smatch& match : findAll(build, R"re(add_subsystem\((\w+) SOURCES([^)]*)\))re")) {
     arrows[match[1]] = foldersIn(match[2]);
   }
-  for (const std::smatch& match : findAll(build, "target_link_libraries\\(addrtool ([^)]*)\\)")) {
+  for (const std::smatch& match :
+       findAll(build, R"re(target_link_libraries\(addrtool ([^)]*)\))re")) {
     arrows["cli"].merge(foldersIn(match[1]));
   }
   return arrows;
@@ -59,7 +60,7 @@ Arrows includedFolders(const Arrows& linked) {
     const std::string folder = relative(file, root / "src").begin()->string();
     Folders& included = arrows[folder];
     const std::string text = readFile(file);
-    for (const std::smatch& match : findAll(text, "#\\s*include\\s*\"([^\"/]*)[^\"]*\"")) {
+    for (const std::smatch& match : findAll(text, R"re(#\s*include\s*"([^"/]*)[^"]*")re")) {
       if (match[1] == folder) continue;
       included.insert(match[1]);
       EXPECT_TRUE(linked.at(folder).contains(match[1])) << file << " must not include " << match[1];
@@ -72,7 +73,7 @@ Arrows includedFolders(const Arrows& linked) {
 Arrows drawnFolders() {
   const std::string text = readFile(root / "docs/architecture.md");
   Arrows arrows;
-  for (const std::smatch& match : findAll(text, "(\\w+) --> (\\w+)")) {
+  for (const std::smatch& match : findAll(text, R"((\w+) --> (\w+))")) {
     arrows[match[1]].insert(match[2]);
   }
   return arrows;
