@@ -57,28 +57,22 @@ TEST(PrintMessage, AnEmptyMessageIsALoneNewline) {
   EXPECT_EQ(runInChild([&] { printMessage(&text[1], 0, 1); }), onBothStreams("\n"));
 }
 
-TEST(PrintMessage, StatusZeroReturnsZero) {
-  EXPECT_EQ(runInChild([] { std::exit(printMessage("text", 0, 1) == 0 ? 7 : 8); }),
-            onBothStreams("text\n", 7));
-}
-
-TEST(PrintMessage, AnyOtherStatusEndsTheProcess) {
-  for (const int status : {1, 3, 255}) {
-    EXPECT_EQ(runInChild([&] {
-                printMessage("text", status, 1);
-                std::puts("went on");
-              }),
-              onBothStreams("text\n", status));
-  }
-}
-
-TEST(PrintMessage, TheFlagHasNoMeaning) {
+TEST(PrintMessage, AnyStatusButZeroEndsTheProcessWhateverTheFlag) {
   for (const int flag : {0, 1, -1}) {
-    EXPECT_EQ(runInChild([&] { printMessage("text", 4, flag); }), onBothStreams("text\n", 4));
+    EXPECT_EQ(runInChild([&] { std::exit(printMessage("text", 0, flag) == 0 ? 7 : 8); }),
+              onBothStreams("text\n", 7));
+    for (const int status : {1, 3, 255}) {
+      EXPECT_EQ(runInChild([&] {
+                  printMessage("text", status, flag);
+                  std::puts("went on");
+                }),
+                onBothStreams("text\n", status));
+    }
   }
 }
 
 TEST(PrintMessage, BeginsWithTheLastComponentOfTheProgramName) {
+  EXPECT_EQ(messageProgramName, nullptr) << "at start";
   const std::vector<std::pair<const char*, const char*>> table{
       {"/usr/local/bin/addrtool", "addrtool: text\n"},
       {"bin/addrtool", "addrtool: text\n"},
@@ -95,10 +89,6 @@ TEST(PrintMessage, BeginsWithTheLastComponentOfTheProgramName) {
               onBothStreams(printed))
         << "for \"" << name << '"';
   }
-}
-
-TEST(PrintMessage, NoProgramNameIsSetAtStart) {
-  EXPECT_EQ(messageProgramName, nullptr);
 }
 
 TEST(PrintMessage, FlushesBothStreams) {
@@ -130,34 +120,24 @@ TEST(ReportMessage, FormatsAndReturnsForStatusZero) {
             onBothStreams("eth0 has 3 of  1.50%\n", 9));
 }
 
-TEST(ReportMessage, EndsTheProcessWithAnyOtherStatus) {
-  EXPECT_EQ(reportWithErrno(0, "text", 3), onBothStreams("text\n", 3));
-  EXPECT_EQ(reportWithErrno(13, "text", 3), onBothStreams("text" + permissionSuffix + "\n", 3));
-}
-
-TEST(ReportMessage, AddsTheSystemErrorWhileErrnoIsSet) {
-  const std::vector<std::pair<int, std::string>> table{
-      {0, "text\n"},
-      {2, "text\nSystem error 2: No such file or directory\n"},
-      {13, "text\nSystem error 13: Permission denied\n"},
-      {9999, "text\nSystem error 9999: Unknown error 9999\n"}};
-  for (const auto& [error, printed] : table) {
-    EXPECT_EQ(reportWithErrno(error, "text"), onBothStreams(printed)) << "for errno " << error;
+TEST(ReportMessage, AddsTheSystemErrorInErrnoOnALineOfItsOwn) {
+  struct Row {
+    int error;
+    std::string text;
+    std::string printed;
+  };
+  const std::vector<Row> table{{0, "text", "text\n"},
+                               {2, "text", "text\nSystem error 2: No such file or directory\n"},
+                               {13, "text", "text" + permissionSuffix + "\n"},
+                               {13, "text\n", "text\n" + permissionSuffix + "\n"},
+                               {13, "", permissionSuffix + "\n"},
+                               {9999, "text", "text\nSystem error 9999: Unknown error 9999\n"}};
+  for (const auto& [error, text, printed] : table) {
+    for (const int status : {0, 3}) {
+      EXPECT_EQ(reportWithErrno(error, text, status), onBothStreams(printed, status))
+          << "for errno " << error;
+    }
   }
-}
-
-TEST(ReportMessage, TheSystemErrorStandsOnALineOfItsOwn) {
-  EXPECT_EQ(reportWithErrno(13, "text\n"), onBothStreams("text\n" + permissionSuffix + "\n"));
-  EXPECT_EQ(reportWithErrno(13, ""), onBothStreams(permissionSuffix + "\n"));
-}
-
-TEST(ReportMessage, LeavesErrnoAsItWas) {
-  EXPECT_EQ(runInChild([] {
-              errno = 13;
-              reportMessage(0, 1, "text");
-              std::exit(errno);
-            }),
-            onBothStreams("text" + permissionSuffix + "\n", 13));
 }
 
 TEST(ReportMessage, TextsOfAnyLengthArePrintedWhole) {
@@ -230,49 +210,34 @@ TEST(ReportMessage, FormattingHasNoInfluenceOnErrno) {
   EXPECT_EQ(reportUnprintable(13), onBothStreams(permissionSuffix + "\n", 13));
 }
 
-TEST(CheckLeftoverArguments, NothingLeftGoesOn) {
-  EXPECT_EQ(runInChild([] {
-              checkLeftoverArguments(2, 2, nullptr);
-              std::exit(9);
-            }),
-            (Outcome{9, 0, "", ""}));
-}
-
 TEST(CheckLeftoverArguments, AnyOperandLeftEndsTheProgram) {
   const std::string text =
-      "Some parameters in command string are left unprocessed. Check parameters please.";
-  for (const int argc : {3, 4, 1}) {
-    EXPECT_EQ(runInChild([&] {
-                errno = 0;
-                checkLeftoverArguments(argc, 2, nullptr);
-              }),
-              onBothStreams(text + "\n", 1));
-  }
-  EXPECT_EQ(runInChild([] {
-              errno = 2;
-              checkLeftoverArguments(3, 2, nullptr);
-            }),
-            onBothStreams(text + "\nSystem error 2: No such file or directory\n", 1));
+      "Some parameters in command string are left unprocessed. Check parameters please.\n";
+  const auto check = [](int argc, int error) {
+    return runInChild([=] {
+      errno = error;
+      checkLeftoverArguments(argc, 2, nullptr);
+      std::exit(9);
+    });
+  };
+  EXPECT_EQ(check(2, 0), (Outcome{9, 0, "", ""}));
+  for (const int argc : {3, 4, 1}) EXPECT_EQ(check(argc, 0), onBothStreams(text, 1));
+  EXPECT_EQ(check(3, 2), onBothStreams(text + "System error 2: No such file or directory\n", 1));
 }
 
 TEST(CheckRequiredParameter, APresentOneWithoutAValueEndsTheProgram) {
-  for (const char* const value : {static_cast<const char*>(nullptr), ""}) {
-    EXPECT_EQ(runInChild([&] {
-                errno = 0;
-                checkRequiredParameter(1, value, "--add");
-              }),
-              onBothStreams("Missing parameter '--add' or previous parameter is empty.\n", 1));
+  const std::string text = "Missing parameter '--add' or previous parameter is empty.\n";
+  for (const int present : {0, 1}) {
+    for (const char* const value : {static_cast<const char*>(nullptr), "", "eth0"}) {
+      const bool isMissing = present != 0 && (value == nullptr || *value == '\0');
+      EXPECT_EQ(runInChild([&] {
+                  errno = 0;
+                  checkRequiredParameter(present, value, "--add");
+                  std::exit(9);
+                }),
+                isMissing ? onBothStreams(text, 1) : (Outcome{9, 0, "", ""}));
+    }
   }
-}
-
-TEST(CheckRequiredParameter, AValueOrAnAbsentParameterGoesOn) {
-  EXPECT_EQ(runInChild([] {
-              checkRequiredParameter(1, "eth0", "--add");
-              checkRequiredParameter(0, "", "--add");
-              checkRequiredParameter(0, nullptr, "--add");
-              std::exit(9);
-            }),
-            (Outcome{9, 0, "", ""}));
 }
 
 TEST(ReallocOrDie, GivesMemoryThatKeepsItsContents) {
