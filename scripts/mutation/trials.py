@@ -99,10 +99,11 @@ class Build:
         return require("ninja", "-C", self.folder, "--quiet", "-t", tool, *arguments)
 
     def readers(self, path):
-        """The objects that are made from the file, directly or by an #include."""
+        """The objects that are made from the file: a source has one, a header has many."""
         file = str(self.tree / path)
-        found = [built for built, files in self.inputs.items() if file in files]
-        return found or sys.exit(f"scripts/mutate: nothing is built from {path}")
+        count = 1 if path.endswith(".cpp") else None
+        found = [built for built, files in self.inputs.items() if file in files[:count]]
+        return found or sys.exit(f"scripts/mutate: no object is built from {path}")
 
     def new_objects(self, folder, path):
         """For each object that the changed file becomes part of, the one that replaces it."""
@@ -210,16 +211,20 @@ class Tester:
         return [":".join(known), "*"] if known else ["*"]
 
     def system_order(self, path):
-        """Each test alone, as it needs a fresh sandbox: first those that noticed other changes of
-        the file, then of other files, then the quick ones."""
+        """Each test alone, as it needs a fresh sandbox. The most likely to notice a change of the
+        file comes first: it has noticed one before, or its name has words of the file's name, or
+        it has noticed changes of other files, or it is quick."""
         here, anywhere = collections.Counter(), collections.Counter()
         for (_, file, test), count in dict(self.noticed).items():
             anywhere[test] += count
             here[test] += count if file == path else 0
-        return sorted(
-            self.system_tests,
-            key=lambda test: (-here[test], -anywhere[test], self.limits[self.plain, test]),
-        )
+        words = pathlib.Path(path).stem.split("_")
+
+        def rank(test):
+            named = sum(word in test.lower() for word in words)
+            return -here[test], -named, -anywhere[test], self.limits[self.plain, test]
+
+        return sorted(self.system_tests, key=rank)
 
     def tests_result(self, build, folder, path, program, filters):
         for tests in filters:
