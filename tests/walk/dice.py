@@ -5,29 +5,39 @@ import random
 from kernel_model import GLOBAL_SCOPE, HOST_SCOPE, LINK_SCOPE, device_of
 from model import is_temporary, is_too_long
 
-NAMES = ["eth0", "eth1", "eth10", "br0", "Zeta", "été", "eth0.100", "wlp2s0f0u1i2",
-         "enp193s0f1np1", "br-0a1b2c3d4e5", "enx001122334455"]  # of up to 15 bytes
+NAMES = """eth0 eth1 eth10 br0 Zeta été eth0.100 wlp2s0f0u1i2 enp193s0f1np1 br-0a1b2c3d4e5
+    enx001122334455""".split()  # of up to 15 bytes
 MAIN_NETWORKS = ["203.0.113.", "203.0.113.", "203.0.113.", "192.0.2.", "10.0.0."]
 NETWORKS = ["192.0.2.", "192.0.2.", "198.51.100.", "10.0.0.", "10.0.0.", "10.0.1.", "172.16.5."]
 PREFIXES = [24] * 12 + [16, 16, 8, 25, 30, 32]
-NETMASKS = ["255.255.255.0"] * 12 + ["255.255.0.0", "255.0.0.0", "255.255.255.128",
-                                     "255.255.255.255", "255.0.255.0", "0.0.0.1", "0.0.0.0"]
+NETMASKS = ["255.255.255.0"] * 12
+NETMASKS += """255.255.0.0 255.0.0.0 255.255.255.128 255.255.255.255 255.0.255.0 0.0.0.1
+    0.0.0.0""".split()
 BAD_NETMASKS = ["24", "255.255.255", "", "255.255.255.256", "0xffffff00", "255.255.255.0 ", "/24"]
-ODD_IPV4 = ["10.0.0.013", "010.0.0.1", "192.0.2", "300.0.0.1", "localhost", "no.such.name", "",
-            "224.0.0.1", "0.0.0.0", "255.255.255.255", "127.0.0.5", "169.254.1.1", "240.0.0.1",
-            "0x0a.0.0.9",
-            "10.0.0.9/24", "192.0.2.9/16", "172.16.5.9/30"]
+ODD_IPV4 = [""]
+ODD_IPV4 += """10.0.0.013 010.0.0.1 192.0.2 300.0.0.1 localhost no.such.name 224.0.0.1 0.0.0.0
+    255.255.255.255 127.0.0.5 169.254.1.1 240.0.0.1 0x0a.0.0.9 10.0.0.9/24 192.0.2.9/16
+    172.16.5.9/30""".split()
 IPV6_NETWORKS = ["2001:db8::", "2001:db8:1::", "fd00:1::"]
-ODD_IPV6 = ["fe80::5", "ff02::5", "2001:db8:::5", ":", "::1", "::", "::2", "fec0::1",
-            "::ffff:192.0.2.1", "2001:db8::g", "1:2:3:4:5:6:7:8:9",
-            "2001:db8::6/64", "2001:db8::7/48", "fe80::5%eth0"]
+ODD_IPV6 = """fe80::5 ff02::5 2001:db8:::5 : ::1 :: ::2 fec0::1 ::ffff:192.0.2.1 2001:db8::g
+    1:2:3:4:5:6:7:8:9 2001:db8::6/64 2001:db8::7/48 fe80::5%eth0""".split()
 PREFIX_LENGTHS = ["64"] * 12 + ["0", "128", "48", "+64", " 64", "64 ", "0064"]
 BAD_PREFIX_LENGTHS = ["129", "65535", "65536", "-1", "x", "", "64x", "0x40"]
 SUFFIXES = ["web", "01", "1a", "a", "99", "65535", "0", "-1", "2", "3", "5", "10", "Z", "é"]
 MODES = [0o644] * 5 + [0o600, 0o400, 0o444, 0o755, 0o4755, 0]
-FOREIGN_LINES = ["DEVICE=eth0\n", "# a comment\n", "\n", "ONBOOT=yes\n", "IPV6INIT=yes\n",
-                 "NOTE='a \"quoted\" text'\n", "IPV6ADDR_EXTRA=2001:db8::1/64\n",
-                 "  IPV6ADDR=2001:db8::2/64\n", "no assignment\n", "last\r\n", "NAME=é\n"]
+FOREIGN_LINES = [
+    "DEVICE=eth0\n",
+    "# a comment\n",
+    "\n",
+    "ONBOOT=yes\n",
+    "IPV6INIT=yes\n",
+    "NOTE='a \"quoted\" text'\n",
+    "IPV6ADDR_EXTRA=2001:db8::1/64\n",
+    "  IPV6ADDR=2001:db8::2/64\n",
+    "no assignment\n",
+    "last\r\n",
+    "NAME=é\n",
+]
 TARGET = "elsewhere"  # of all symbolic links
 DIRECTORY_STATES = ["writable", "writable", "read-only", "missing"]
 BAD_OPTIONS = ["-x", "--nonsense", "--list=3", "--helper", "-", "--", "--main", "--m", "-lz"]
@@ -40,7 +50,7 @@ class Dice:
         self.owners = owners
 
     def one(self, choices):
-        return self.random.choice(sorted(choices) if isinstance(choices, set) else list(choices))
+        return self.random.choice(list(choices))
 
     def chance(self, probability):
         return self.random.random() < probability
@@ -82,10 +92,10 @@ class Dice:
     def prefix_length(self):
         return self.one(BAD_PREFIX_LENGTHS if self.chance(0.06) else PREFIX_LENGTHS)
 
-    # Steps that prepare
+    # Changes that are not addrtool's
 
     def setting(self, world):
-        """A world to start with."""
+        """The first steps: interfaces, addresses and files."""
         for name in ["eth0", *self.random.sample(NAMES[1:], self.random.randint(2, 4))]:
             yield ["link", name, self.one(["veth", "veth", "bridge"])]
             if self.chance(0.85):
@@ -103,7 +113,7 @@ class Dice:
                 yield self.main_address(name)
             for _ in range(self.one([0, 1, 3, 6])):
                 yield self.alias(name)
-            if self.chance(0.1):  # nearly all that fit on a long name
+            if self.chance(0.1):  # on a name of 13 bytes, these are nearly all numbers that fit
                 for number in range(1, 10):
                     label = f"{name}:{number}"
                     if self.chance(0.9) and not is_too_long(label):
@@ -115,8 +125,14 @@ class Dice:
         return self.one([GLOBAL_SCOPE] * 20 + [LINK_SCOPE, HOST_SCOPE])
 
     def main_address(self, name):
-        return ["address", name, self.new_ipv4(MAIN_NETWORKS), self.one(PREFIXES), self.scope(),
-                name]
+        return [
+            "address",
+            name,
+            self.new_ipv4(MAIN_NETWORKS),
+            self.one(PREFIXES),
+            self.scope(),
+            name,
+        ]
 
     def alias(self, name):
         suffix = self.one(SUFFIXES) if self.chance(0.5) else str(self.random.randint(1, 12))
@@ -131,8 +147,10 @@ class Dice:
         for _ in range(self.one([0, 1, 1, 1, 2])):
             lines.insert(self.random.randint(0, len(lines)), self.assignment("IPV6ADDR", 1, known))
         for _ in range(self.one([0, 1, 1, 1, 1, 2])):
-            lines.insert(self.random.randint(0, len(lines)),
-                         self.assignment("IPV6ADDR_SECONDARIES", self.list_length(), known))
+            lines.insert(
+                self.random.randint(0, len(lines)),
+                self.assignment("IPV6ADDR_SECONDARIES", self.list_length(), known),
+            )
         text = "".join(lines)
         if self.chance(0.1):
             text = text.rstrip("\n")
@@ -142,17 +160,32 @@ class Dice:
         return 600 if self.chance(0.02) else self.random.randint(0, 4)
 
     def assignment(self, key, count, known):
-        """Mostly as one would write it; else with blanks, quotes and mistakes."""
-        entries = []
+        """A line of an interface's file; a few have odd blanks, keys and entries."""
+        entries, odd = [], self.chance(0.15)
         for _ in range(count):
             ip = self.one(known) if known and self.chance(0.6) else self.new_ipv6()
             ip = self.respelled(ip) if self.chance(0.2) else ip
-            entries.append(f"{ip}/{self.one(['64', '64', '64', '48', '0'])}")
-        quote, odd = self.one(["", '"', '"', '"', "'"]), self.chance(0.15)
-        if odd:
-            entries.insert(self.random.randint(0, len(entries)),
-                           self.one(["2001:db8::7", "zz/64", "/64", "::3/", "::3/65536", "::3/x",
-                                     "::3/64/3", '"::3/64', "#", "=::3/1"]))
+            length = self.one(["/64", "/64", "/64", "/48", "/0"])
+            entries.append(ip + ("" if odd and self.chance(0.3) else length))
+        quote = self.one(["", '"', '"', '"', "'"])
+        if odd and self.chance(0.5):
+            entries.insert(
+                self.random.randint(0, len(entries)),
+                self.one(
+                    [
+                        "2001:db8::7",
+                        "zz/64",
+                        "/64",
+                        "::3/",
+                        "::3/65536",
+                        "::3/x",
+                        "::3/64/3",
+                        '"::3/64',
+                        "#",
+                        "=::3/1",
+                    ]
+                ),
+            )
         space = self.one([" ", "  ", "\t"]) if odd else " "
         before, after = (self.one(["", " ", "\t", "\r"]) if odd else "" for _ in range(2))
         name = self.one([key, key + " ", key + "X", "#" + key, " " + key]) if odd else key
@@ -160,11 +193,33 @@ class Dice:
 
     def disturbance(self, world):
         """What somebody else changes between two runs."""
-        name = self.one(set(world.kernel.links) - {"lo"})
+        name = self.one(name for name in world.kernel.links if name != "lo")
         file = self.one([file for file in world.files if not is_temporary(file)] or ["ifcfg-eth0"])
-        kind = self.one(["main", "alias", "alias", "ipv6", "up", "up", "rename", "file", "file",
-                         "alias file", "remove", "directory", "writable", "writable", "mkdir",
-                         "symlink", "target", "suse", "promote", "veinfo", "configuration"])
+        kind = self.one(
+            [
+                "main",
+                "alias",
+                "alias",
+                "ipv6",
+                "up",
+                "up",
+                "rename",
+                "file",
+                "file",
+                "alias file",
+                "remove",
+                "directory",
+                "writable",
+                "writable",
+                "mkdir",
+                "symlink",
+                "target",
+                "suse",
+                "promote",
+                "veinfo",
+                "configuration",
+            ]
+        )
         return {
             "main": lambda: self.main_address(name),
             "alias": lambda: self.alias(name),
@@ -176,8 +231,13 @@ class Dice:
             "remove": lambda: ["remove", file],
             "directory": lambda: ["directory", self.one(DIRECTORY_STATES)],
             "writable": lambda: ["directory", "writable"],
-            "mkdir": lambda: ["file", f"ifcfg-{name}{self.one(['', ':1', ':2'])}", None, 0o755,
-                              self.one(self.owners)],
+            "mkdir": lambda: [
+                "file",
+                f"ifcfg-{name}{self.one(['', ':1', ':2'])}",
+                None,
+                0o755,
+                self.one(self.owners),
+            ],
             "symlink": lambda: ["symlink", f"ifcfg-{name}{self.one(['', '', ':1', ':2'])}", TARGET],
             "target": lambda: ["file", TARGET, *self.interface_file(name, world)[2:]],
             "configuration": lambda: ["configuration", self.chance(0.5)],
@@ -196,15 +256,32 @@ class Dice:
     def veinfo(self, world):
         if self.chance(0.2):
             return None
-        return "".join(f"{number}: {self.ipv4(world)} {self.ipv6(world)}\n"
-                       for number in range(self.random.randint(0, 3)))
+        return "".join(
+            f"{number}: {self.ipv4(world)} {self.ipv6(world)}\n"
+            for number in range(self.random.randint(0, 3))
+        )
 
     # Runs
 
     def run(self, world):
-        arguments = self.one([self.list, self.list, self.add, self.add, self.add, self.add,
-                              self.delete, self.delete, self.delete, self.delete, self.check,
-                              self.several, self.several, self.mistaken])(world)
+        arguments = self.one(
+            [
+                self.list,
+                self.list,
+                self.add,
+                self.add,
+                self.add,
+                self.add,
+                self.delete,
+                self.delete,
+                self.delete,
+                self.delete,
+                self.check,
+                self.several,
+                self.several,
+                self.mistaken,
+            ]
+        )(world)
         return ["run", arguments, self.chance(0.5), self.chance(0.05)]
 
     def list(self, _):
@@ -237,14 +314,16 @@ class Dice:
     def check(self, world):
         words = (world.veinfo or "").split()
         text = self.one(words) if words and self.chance(0.6) else self.ipv4(world)
-        return [self.one(["-v", "--qv-assigned-ip"]), text[:self.random.randint(0, 20)]]
+        return [self.one(["-v", "--qv-assigned-ip"]), text[: self.random.randint(0, 20)]]
 
     def several(self, world):
-        parts = [self.one([self.list, self.delete, self.delete, self.check])(world)
-                 for _ in range(self.random.randint(1, 3))]
+        parts = [
+            self.one([self.list, self.delete, self.delete, self.check])(world)
+            for _ in range(self.random.randint(1, 3))
+        ]
         if self.chance(0.5):
             parts.append(self.add(world))
-        if self.chance(0.1):
+        if self.chance(0.15):
             parts.append([self.one(["-h", "--help", "-hl"])])
         self.random.shuffle(parts)
         return [argument for part in parts for argument in part]

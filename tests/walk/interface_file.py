@@ -1,8 +1,10 @@
 """How addrtool edits the IPv6 addresses of an interface's file, as docs/changes.md tells it."""
 
+import errno
 import ipaddress
 import re
 
+LARGEST_PREFIX = 65535
 PIECE_CHARACTERS = 8095  # a longer line is read as several
 PRIMARY, LIST = "IPV6ADDR", "IPV6ADDR_SECONDARIES"
 BLANKS, QUOTES = " \t\n\v\f\r", "\"'"
@@ -16,8 +18,11 @@ def split_lines(text):
     return re.findall(rf"[^\n]{{0,{PIECE_CHARACTERS - 1}}}\n|[^\n]{{1,{PIECE_CHARACTERS}}}", text)
 
 
-def entries_of(line):
-    """An entry is (address, prefix length). The last number of a quoted list ends in the quote."""
+def entries_of(line, errors):
+    """An entry is (address, prefix length). The last number of a quoted list ends in the quote.
+
+    errors gets the number of a system error that reading leaves behind.
+    """
     entries = []
     for text in re.split(f"[{BLANKS}]+", line.partition("=")[2].lstrip(QUOTES)):
         if not text:
@@ -25,7 +30,10 @@ def entries_of(line):
         address, slash, number = text.partition("/")
         if not slash or "/" in number:
             raise CannotEdit(f"{text}: cannot parse IPv6 address")
-        entries.append((address, parse_prefix(number)))
+        prefix = parse_number(number)
+        if prefix is not None and prefix > LARGEST_PREFIX:
+            errors.append(errno.ERANGE)
+        entries.append((address, parse_prefix(number) or 0))
     return entries
 
 
@@ -34,14 +42,14 @@ def primary_of(line):
 
 
 def parse_prefix(text):
-    """What is not a number counts as 0."""
-    number = parse_unsigned16(text)
-    return 0 if number is None else number
+    """None if it is not a number from 0 to 65535."""
+    number = parse_number(text)
+    return number if number is not None and number <= LARGEST_PREFIX else None
 
 
-def parse_unsigned16(text):
+def parse_number(text):
     digits = re.fullmatch(f"[{BLANKS}]*[+]?([0-9]+)[{BLANKS}]*", text)
-    return int(digits[1]) if digits and int(digits[1]) <= 65535 else None
+    return int(digits[1]) if digits else None
 
 
 def is_same_address(text, ip):
@@ -55,13 +63,13 @@ def joined(entries):
     return " ".join(f"{address}/{prefix}" for address, prefix in entries)
 
 
-def add_to_list(text, address, prefix):
+def add_to_list(text, errors, address, prefix):
     """The file's text with the address in front of the list."""
     new_list, lines = "", []
     for line in split_lines(text):
         # A second list goes on behind the first one, and its line repeats both.
         if is_list_for_add(line):
-            entries = entries_of(line)
+            entries = entries_of(line, errors)
             if entries:
                 new_list = new_list or f'{LIST}="{address}/{prefix}'
                 new_list += f' {joined(entries)}"\n'
@@ -77,13 +85,16 @@ def is_list_for_add(line):
     return line.startswith(LIST) and "=" in line
 
 
-def delete_from_lists(text, ip):
+def delete_from_lists(text, errors, ip):
     """The file's text without the address; a deleted primary is replaced by the first entry."""
     lines = split_lines(text)
     names = [line.partition("=")[0] if "=" in line else None for line in lines]
     primaries = [primary_of(line) for line, name in zip(lines, names) if name == PRIMARY]
     entries = [
-        entry for line, name in zip(lines, names) if name == LIST for entry in entries_of(line)
+        entry
+        for line, name in zip(lines, names)
+        if name == LIST
+        for entry in entries_of(line, errors)
     ]
     new_primary = None
     if primaries and is_same_address(primaries[-1], ip):

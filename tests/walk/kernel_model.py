@@ -82,6 +82,12 @@ class Kernel:
 
     # IPv4
 
+    def add(self, link, address):
+        """RTM_NEWADDR looks for the same address before anything else."""
+        if any(other.ip == address.ip and other.shares_subnet_with(address) for other in link.ipv4):
+            refuse(errno.EEXIST)
+        self.insert(link, address)
+
     def insert(self, link, address):
         if address.ip == "0.0.0.0":
             return  # the kernel drops it and reports success

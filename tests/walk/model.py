@@ -221,7 +221,7 @@ class Run:
             raise Failure(f"{SCRIPTS}/ifcfg-{label}: {os.strerror(error)}")
 
     def add_ipv6(self, name, text, length):
-        prefix = interface_file.parse_unsigned16(length)
+        prefix = interface_file.parse_prefix(length)
         if prefix is None:
             raise Failure(f"{length}: cannot convert to int")
         self.ifconfig(
@@ -328,10 +328,13 @@ class Run:
         elif file.is_directory():
             self.last_error = errno.EISDIR
         else:
+            errors = [self.last_error]
             try:
-                self.replace_file(label, edit(file.text, *operands))
-            except interface_file.CannotEdit as error:
-                self.report(f"{error}\n{self.system_error()}")
+                self.replace_file(label, edit(file.text, errors, *operands))
+                self.last_error = errors[-1]
+            except interface_file.CannotEdit as failure:
+                self.last_error = errors[-1]
+                self.report(f"{failure}\n{self.system_error()}")
 
     def system_error(self):
         error = self.last_error

@@ -55,7 +55,7 @@ def add_address(world, machine, name, ip, prefix, scope, label):
     link, address = world.kernel.links[name], Address4(ip, prefix, label, scope)
     require_equal(
         "the kernel's answer",
-        answer_of(lambda: world.kernel.insert(link, address)),
+        answer_of(lambda: world.kernel.add(link, address)),
         answer_of(lambda: machine.add_address(name, ip, prefix, scope, label)),
     )
 

@@ -37,8 +37,9 @@ class Walker:
         self.machine.reset()
         self.owners = self.machine.possible_owners()
         self.newest_ipv6_first = self.look_at_ipv6_order()
-        self.ifconfig_usage = subprocess.run(["/sbin/ifconfig", "lo", "add", "::2/129"],
-                                             capture_output=True, text=True).stderr
+        self.ifconfig_usage = subprocess.run(
+            ["/sbin/ifconfig", "lo", "add", "::2/129"], capture_output=True, text=True
+        ).stderr
         self.counts = collections.Counter()
 
     def look_at_ipv6_order(self):
@@ -83,13 +84,19 @@ class Walker:
         size = len(walk) // 2
         while size:
             walk, difference, is_shorter = self.try_each(
-                walk, difference, lambda walk, start: [walk[:start] + walk[start + size:]], size)
+                walk, difference, lambda walk, start: [walk[:start] + walk[start + size :]], size
+            )
             size = size if size == 1 and is_shorter else size // 2
         is_shorter = True
         while is_shorter:
             walk, difference, is_shorter = self.try_each(
-                walk, difference, lambda walk, place: (
-                    walk[:place] + [step] + walk[place + 1:] for step in simpler(walk[place])), 1)
+                walk,
+                difference,
+                lambda walk, place: (
+                    walk[:place] + [step] + walk[place + 1 :] for step in simpler(walk[place])
+                ),
+                1,
+            )
         return walk, difference
 
     def try_each(self, walk, difference, variants, stride):
@@ -128,11 +135,11 @@ def simpler(step):
 
 
 def without_parts(words):
-    size = len(words)
-    while size:
-        for start in range(0, len(words) - size + 1):
-            yield words[:start] + words[start + size:]
-        size //= 2
+    """The words without each sequence of them. Many words are left out in larger portions."""
+    portion = len(words) // 16 + 1
+    for size in range(len(words), 0, -portion):
+        for start in range(0, len(words) - size + 1, portion):
+            yield words[:start] + words[start + size :]
 
 
 def report(seed, walk, difference):
@@ -152,8 +159,10 @@ def walk_at_random(walker, count, first_seed):
             return 1
         left -= len(taken)
         seed += 1
-    print(f"{count} steps in {seed - first_seed} legs, {walker.counts['run']} of them runs of"
-          f" addrtool, in {time.monotonic() - begin:.0f} s: no difference")
+    print(
+        f"{count} steps in {seed - first_seed} legs, {walker.counts['run']} of them runs of"
+        f" addrtool, in {time.monotonic() - begin:.0f} s: no difference"
+    )
     return 0
 
 
