@@ -1,6 +1,8 @@
 // What docs/changes.md and the manual page say about operands that nobody checks, about odd places
 // for an address, and about the environment.
 
+#include <ostream>
+
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {
@@ -12,6 +14,10 @@ struct UncheckedAddress {
   std::string typed;
   std::string added;  // as kernelAddresses() shows it; empty if the program cannot see it
 };
+
+void PrintTo(const UncheckedAddress& address, std::ostream* stream) {
+  *stream << address.typed;
+}
 
 class UncheckedIPv4 : public ::testing::TestWithParam<UncheckedAddress> {};
 
@@ -57,6 +63,10 @@ struct RefusedAddress {
   std::string third;
   std::string words;
 };
+
+void PrintTo(const RefusedAddress& address, std::ostream* stream) {
+  *stream << address.typed << ' ' << address.third;
+}
 
 class RefusedByIfconfig : public ::testing::TestWithParam<RefusedAddress> {};
 
