@@ -43,7 +43,8 @@ __attribute__((format(printf, 2, 0))) void consoleLogV(int priority, const char*
 void initLogging(const char* target, int level, int facility, int options, const char* ident);
 
 /// Sets logThreshold to the level and logEnabled to 1. A level below 1 sets both to 0. Without a
-/// target, also sets the syslog mask to all priorities up to the level.
+/// target, also sets the syslog mask to all priorities up to the level. For a negative level that
+/// mask is 0, with which setlogmask(3) changes nothing.
 void setLogLevel(int level);
 
 }  // namespace addrtool

@@ -60,6 +60,18 @@ Outcome runInChild(const std::function<void()>& function) {
           takeContents(out), takeContents(err)};
 }
 
+Outcome runWithBrokenOutput(const std::function<void()>& function) {
+  return runInChild([&function] {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) _exit(1);
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[0]);
+    std::setvbuf(stderr, nullptr, _IOFBF, BUFSIZ);
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    function();
+  });
+}
+
 Outcome runCommand(const std::vector<std::string>& command) {
   return runInChild([&command] {
     std::vector<char*> arguments;

@@ -41,6 +41,10 @@ Outcome runShell(const std::string& script);
 /// Calls the function in a child process, which then calls exit(0) if the function returns.
 Outcome runInChild(const std::function<void()>& function);
 
+/// The same with standard error buffered and each write to standard output ending the child
+/// (SIGPIPE): only what was flushed to standard error before is in the outcome.
+Outcome runWithBrokenOutput(const std::function<void()>& function);
+
 /// The message of the std::runtime_error that the function throws, or "" if it throws none.
 inline std::string failureOf(const std::function<void()>& function) {
   try {

@@ -94,15 +94,34 @@ TEST(Syslog, TheOptionsArePassedOn) {
   EXPECT_EQ(socket.take().size(), 1U);
 }
 
-TEST(Syslog, GetsNothingFromTheConsoleSink) {
+TEST(Syslog, LevelMinusOneKeepsTheMask) {
   const LogSocket socket;
+  for (const int mask : {LOG_UPTO(LOG_DEBUG), LOG_MASK(LOG_INFO)}) {
+    setlogmask(mask);
+    initLogging(nullptr, -1, LOG_MAIL, 0, "panel");
+    logMessage(LOG_INFO, "information");
+    logMessage(LOG_DEBUG, "details");
+  }
+  const std::string information = "<22>" + identAndPid("panel") + "information";
+  EXPECT_EQ(socket.take(),
+            (std::vector<std::string>{information, "<23>" + identAndPid("panel") + "details",
+                                      information}));
+}
+
+TEST(Syslog, StaysAsItIsWhileTheConsoleIsTheSink) {
+  const LogSocket socket;
+  initLogging(nullptr, LOG_INFO, LOG_MAIL, 0, "panel");
   EXPECT_EQ(runInChild([] {
-              initLogging(nullptr, LOG_INFO, LOG_MAIL, 0, "panel");
-              initLogging("console", LOG_INFO, LOG_MAIL, 0, "panel");
+              initLogging("console", LOG_ERR, LOG_DAEMON, 0, "other");
               logMessage(LOG_ERR, "text");
             }),
             (Outcome{0, 0, "text\n", "text\n"}));
   EXPECT_TRUE(socket.take().empty());
+
+  initLogging("console", LOG_ERR, LOG_DAEMON, 0, "other");
+  syslog(LOG_INFO, "direct");
+  syslog(LOG_DEBUG, "above the level");
+  EXPECT_EQ(socket.take(), (std::vector<std::string>{"<22>" + identAndPid("panel") + "direct"}));
 }
 
 }  // namespace

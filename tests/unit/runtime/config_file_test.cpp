@@ -281,12 +281,18 @@ TEST_F(ConfigFile, AFailureToCloseHidesNoOther) {
   EXPECT_EQ(errno, EISDIR);
 }
 
-TEST_F(ConfigFile, TheTableIsSortedEvenWhereTheReadingFails) {
+TEST_F(ConfigFile, AFailedReadSortsTheTableAndAFailedStoreDoesNot) {
   writeFile(directory / "kel.conf", "B 1\nA 2\nC 3\n");
-  const FailingAllocations failing(9);  // table, slots, line, copies, line, copies, line
+  {
+    const FailingAllocations failing(9);  // table, slots, line, copies, line, copies, line
+    EXPECT_EQ(readPath(directory / "kel.conf"), -1);
+    EXPECT_EQ(table->sorted, 1);
+    EXPECT_EQ(definitions(), (Definitions{{"A", "2"}, {"B", "1"}}));
+  }
+  const FailingAllocations failing(10);  // the next one, a copy of the third name
   EXPECT_EQ(readPath(directory / "kel.conf"), -1);
-  EXPECT_EQ(table->sorted, 1);
-  EXPECT_EQ(definitions(), (Definitions{{"A", "2"}, {"B", "1"}}));
+  EXPECT_EQ(table->sorted, 0);
+  EXPECT_EQ(definitions(), (Definitions{{"B", "1"}, {"A", "2"}}));
 }
 
 TEST_F(ConfigFile, MemoryMayRunOutAnywhere) {

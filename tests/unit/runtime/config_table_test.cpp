@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -122,32 +123,38 @@ TEST(GrowConfig, WithoutMemoryFailsAndSaysSo) {
 TEST(GrowConfig, GivesUpBeyondTheLargestCapacityWithoutAskingForMemory) {
   // Tables that only say they are this full; what memory is asked for is refused.
   struct Row {
-    std::uint32_t full;
+    std::uint32_t capacity;
+    std::uint32_t count;
     int allocations;
   };
-  const std::vector<Row> rows{{0x0FFFFFFF, 1}, {0x10000000, 0}, {0x1FFFFFFE, 0},
-                              {0x7FFFFFFE, 0}, {0x7FFFFFFF, 0}, {0x80000000, 0},
-                              {0xFFFFFFEB, 0}, {0xFFFFFFEC, 0}, {0xFFFFFFFF, 0}};
+  const std::vector<Row> rows{
+      {0x0FFFFFFF, 0x0FFFFFFF, 1}, {0x10000000, 0x10000000, 0}, {0x1FFFFFFE, 0x1FFFFFFE, 0},
+      {0x7FFFFFFE, 0x7FFFFFFE, 0}, {0x7FFFFFFF, 0x7FFFFFFF, 0}, {0x80000000, 0x80000000, 0},
+      {0xFFFFFFEB, 0xFFFFFFEB, 0}, {0xFFFFFFEC, 0xFFFFFFEC, 0}, {0xFFFFFFFF, 0xFFFFFFFF, 0},
+      {0, 0x1FFFFFEA, 1},          {0, 0x1FFFFFEB, 0},          {0, 0, 0}};
   const LogRecorder log;
-  for (const auto& [full, allocations] : rows) {
+  for (const auto& [capacity, count, allocations] : rows) {
     ConfigEntry slot{};
-    RuntimeConfiguration table{&slot, full, full, 0};
+    RuntimeConfiguration table{&slot, capacity, count, 0};
     const FailingAllocations failing(1);
     errno = 0;
     EXPECT_EQ(growConfig(&table), -1);
     EXPECT_EQ(errno, ENOMEM);
-    EXPECT_EQ(FailingAllocations::calls(), allocations) << "for " << full << " slots";
+    EXPECT_EQ(FailingAllocations::calls(), allocations) << "for " << count << " entries";
     EXPECT_EQ(LogRecorder::take(), (std::vector<LoggedMessage>{{12, noMemory}}));
   }
 }
 
 TEST(GrowConfig, WhereDoublingIsTooLittleTwentyMoreThanTheEntriesAreTaken) {
-  const Table table = makeTable();
-  fill(table, 5);
-  table->capacity = 2;
-  EXPECT_EQ(growConfig(table.get()), 0);
-  EXPECT_EQ(table->capacity, 25U);
-  EXPECT_TRUE(isFreeBeyondCount(table));
+  // The second table is still full afterwards: 2 * 10 is not less than 20.
+  for (const auto& [count, capacity, grown] : {std::tuple(5U, 2U, 25U), {20U, 10U, 20U}}) {
+    const Table table = makeTable();
+    fill(table, count);
+    table->capacity = capacity;
+    EXPECT_EQ(growConfig(table.get()), 0);
+    EXPECT_EQ(table->capacity, grown);
+    EXPECT_TRUE(isFreeBeyondCount(table));
+  }
 }
 
 TEST(SetConfigEntry, StoresCopies) {
@@ -254,6 +261,8 @@ TEST(FindConfigEntry, HalvesASortedTableAndWalksAnUnsortedOne) {
   EXPECT_EQ(find(table, "C"), "(null)");
   sortConfig(table.get());  // trusts the flag
   EXPECT_EQ(namesOf(table), (std::vector<std::string>{"C", "B", "A"}));
+  EXPECT_EQ(setConfigEntry(table.get(), "C", "new"), 0);  // walks any table
+  EXPECT_EQ(table->count, 3U);
 }
 
 TEST(FreeConfig, TakesATableInAnyState) {

@@ -4,6 +4,7 @@
 #include <syslog.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -100,6 +101,19 @@ TEST(ConsoleLog, FlushesBothStreamsWhateverLogEnabledSays) {
               _exit(0);
             }),
             onBothStreams("text\n"));
+}
+
+TEST(ConsoleLog, StandardErrorComesFirst) {
+  EXPECT_EQ(runWithBrokenOutput([] { logMessage(3, "text"); }),
+            (Outcome{-1, SIGPIPE, "", "text\n"}));
+}
+
+TEST(ConsoleLog, AFailingStandardErrorLeavesStandardOutput) {
+  EXPECT_EQ(runInChild([] {
+              close(STDERR_FILENO);
+              logMessage(3, "text");
+            }),
+            (Outcome{0, 0, "text\n", ""}));
 }
 
 // The checks below change settings of the process, so each runs in a child process. That ends with

@@ -61,12 +61,13 @@ TEST(PrintMessage, AnyStatusButZeroEndsTheProcessWhateverTheFlag) {
   for (const int flag : {0, 1, -1}) {
     EXPECT_EQ(runInChild([&] { std::exit(printMessage("text", 0, flag) == 0 ? 7 : 8); }),
               onBothStreams("text\n", 7));
-    for (const int status : {1, 3, 255}) {
+    for (const int status : {1, 3, 255, 256, -1}) {
       EXPECT_EQ(runInChild([&] {
+                  std::atexit([] { std::puts("handler"); });
                   printMessage("text", status, flag);
                   std::puts("went on");
                 }),
-                onBothStreams("text\n", status));
+                (Outcome{status & 0xff, 0, "text\nhandler\n", "text\n"}));
     }
   }
 }
@@ -101,14 +102,16 @@ TEST(PrintMessage, FlushesBothStreams) {
 }
 
 TEST(PrintMessage, StandardErrorComesFirst) {
-  const Outcome outcome = runInChild([] {
-    std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0) _exit(1);
-    dup2(ends[1], STDOUT_FILENO);
-    close(ends[0]);
-    printMessage("text", 0, 1);
-  });
-  EXPECT_EQ(outcome, (Outcome{-1, SIGPIPE, "", "text\n"}));
+  EXPECT_EQ(runWithBrokenOutput([] { printMessage("text", 0, 1); }),
+            (Outcome{-1, SIGPIPE, "", "text\n"}));
+}
+
+TEST(PrintMessage, AFailingStandardErrorLeavesStandardOutput) {
+  EXPECT_EQ(runInChild([] {
+              close(STDERR_FILENO);
+              printMessage("text", 0, 1);
+            }),
+            (Outcome{0, 0, "text\n", ""}));
 }
 
 TEST(ReportMessage, FormatsAndReturnsForStatusZero) {
@@ -227,7 +230,7 @@ TEST(CheckLeftoverArguments, AnyOperandLeftEndsTheProgram) {
 
 TEST(CheckRequiredParameter, APresentOneWithoutAValueEndsTheProgram) {
   const std::string text = "Missing parameter '--add' or previous parameter is empty.\n";
-  for (const int present : {0, 1}) {
+  for (const int present : {0, 1, 2, -1}) {
     for (const char* const value : {static_cast<const char*>(nullptr), "", "eth0"}) {
       const bool isMissing = present != 0 && (value == nullptr || *value == '\0');
       EXPECT_EQ(runInChild([&] {
@@ -255,6 +258,15 @@ TEST(ReallocOrDie, ReportsTheSizeAndEnds) {
               reallocOrDie(nullptr, 640);
             }),
             onBothStreams("alloc(640)\nSystem error 12: Cannot allocate memory\n", 1));
+}
+
+TEST(ReallocOrDie, SizeZeroFreesTheMemoryAndCountsAsAFailure) {
+  EXPECT_EQ(runInChild([] {
+              void* const memory = std::malloc(1);
+              errno = 0;
+              reallocOrDie(memory, 0);
+            }),
+            onBothStreams("alloc(0)\n", 1));
 }
 
 }  // namespace
