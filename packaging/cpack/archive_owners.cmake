@@ -1,5 +1,5 @@
-# The outer archive of a DEB shows who packed it, and under which umask. Its
-# members, which still lie in the installed tree, are archived anew without that.
+# CPack stores the packager's user and umask in the outer archive of a DEB. Pack its
+# members again without them; they are still in the installed tree.
 if(CPACK_GENERATOR STREQUAL DEB)
   execute_process(
     COMMAND ar rD ${CPACK_PACKAGE_FILES} debian-binary control.tar.gz data.tar.gz
