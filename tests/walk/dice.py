@@ -188,7 +188,9 @@ class Dice:
             )
         space = self.one([" ", "  ", "\t"]) if odd else " "
         before, after = (self.one(["", " ", "\t", "\r"]) if odd else "" for _ in range(2))
-        name = self.one([key, key + " ", key + "X", "#" + key, " " + key]) if odd else key
+        name = key
+        if odd and self.chance(0.3):
+            name = self.one([key + " ", key + "X", "#" + key, " " + key])
         return f"{name}={before}{quote}{space.join(entries)}{quote}{after}\n"
 
     def disturbance(self, world):
