@@ -48,6 +48,8 @@ void* __real_calloc(std::size_t count, std::size_t size);
 void* __real_realloc(void* pointer, std::size_t size);
 char* __real_strdup(const char* text);
 ssize_t __real_getline(char** line, std::size_t* size, std::FILE* stream);
+// What a call of getline becomes in optimised code.
+ssize_t __real___getdelim(char** line, std::size_t* size, int delimiter, std::FILE* stream);
 
 void* __wrap_malloc(std::size_t size) {
   return addrtool::testing::nextCallFails() ? nullptr : __real_malloc(size);
@@ -67,6 +69,10 @@ char* __wrap_strdup(const char* text) {
 
 ssize_t __wrap_getline(char** line, std::size_t* size, std::FILE* stream) {
   return addrtool::testing::nextCallFails() ? -1 : __real_getline(line, size, stream);
+}
+
+ssize_t __wrap___getdelim(char** line, std::size_t* size, int delimiter, std::FILE* stream) {
+  return addrtool::testing::nextCallFails() ? -1 : __real___getdelim(line, size, delimiter, stream);
 }
 
 }  // extern "C"

@@ -1,5 +1,7 @@
 #include "support/system_calls.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <iterator>
 #include <sstream>
@@ -19,10 +21,18 @@ std::string hexadecimal(const std::string& bytes) {
   return text;
 }
 
+// Ends the running test and reports it as skipped.
+[[noreturn]] void skipTest(const char* reason) {
+  using ::testing::TestPartResult;
+  [reason] { GTEST_SKIP() << reason; }();
+  throw ::testing::AssertionException({TestPartResult::kSkip, __FILE__, __LINE__, reason});
+}
+
 }  // namespace
 
 Trace traceCommand(const std::vector<std::string>& options,
                    const std::vector<std::string>& command) {
+  if (ADDRTOOL_EMULATED) skipTest("strace would show the emulator's system calls");
   const TemporaryDirectory directory;
   const std::string log = directory / "calls";
   // The leak sanitizer, in builds that have it, cannot work in a traced program.

@@ -3,7 +3,11 @@
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
 
+#include <algorithm>
 #include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -19,11 +23,55 @@
 namespace addrtool::testing {
 namespace {
 
+// Reverses the bytes of a number in the text. Returns the number.
+template <typename T>
+T reverseAt(std::string& bytes, std::size_t at) {
+  char* const first = bytes.data() + at;
+  std::reverse(first, first + sizeof(T));
+  T number{};
+  std::memcpy(&number, first, sizeof(T));
+  return number;
+}
+
+void reverseAttributes(std::string& datagram, std::size_t at, std::size_t end) {
+  while (at < end) {
+    const auto length = reverseAt<std::uint16_t>(datagram, at);
+    const auto type = reverseAt<std::uint16_t>(datagram, at + 2);
+    if (type == IFA_FLAGS || type == IFA_CACHEINFO || type == IFA_RT_PRIORITY) {
+      for (std::size_t n = sizeof(rtattr); n < length; n += 4) {
+        reverseAt<std::uint32_t>(datagram, at + n);
+      }
+    }
+    at += (std::size_t{length} + 3) / 4 * 4;
+  }
+}
+
+// The recordings are little-endian. This makes a big-endian one of a datagram, on a machine that is
+// big-endian too.
+void makeBigEndian(std::string& datagram) {
+  for (std::size_t at = 0; at < datagram.size();) {
+    const std::size_t end = at + reverseAt<std::uint32_t>(datagram, at);
+    const auto type = reverseAt<std::uint16_t>(datagram, at + offsetof(nlmsghdr, nlmsg_type));
+    reverseAt<std::uint16_t>(datagram, at + offsetof(nlmsghdr, nlmsg_flags));
+    reverseAt<std::uint32_t>(datagram, at + offsetof(nlmsghdr, nlmsg_seq));
+    reverseAt<std::uint32_t>(datagram, at + offsetof(nlmsghdr, nlmsg_pid));
+    at += sizeof(nlmsghdr);
+    if (type == RTM_NEWADDR) {
+      reverseAt<std::uint32_t>(datagram, at + offsetof(ifaddrmsg, ifa_index));
+      reverseAttributes(datagram, at + sizeof(ifaddrmsg), end);
+    }
+    at = end;
+  }
+}
+
 std::vector<std::string> recordedDatagrams(const std::string& scene) {
   const std::filesystem::path data = ADDRTOOL_DATA_DIR;
   std::vector<std::string> datagrams;
   while (exists(data / (scene + '.' + std::to_string(datagrams.size())))) {
     datagrams.push_back(readFile(data / (scene + '.' + std::to_string(datagrams.size()))));
+  }
+  if (std::endian::native == std::endian::big) {
+    std::for_each(datagrams.begin(), datagrams.end(), makeBigEndian);
   }
   return datagrams;
 }
