@@ -21,7 +21,7 @@ std::queue<std::string> replies;
 
 // --- IPv4 --------------------------------------------------------------------
 
-TEST(AddAddress, PutsIPv4OnAnAliasWithAFileOfItsOwn) {
+TEST(AddAddress, AddsIPv4AsAnAliasWithItsOwnFile) {
   NetworkFiles files = networkFiles();
   EXPECT_EQ(runAddrtool({"--add", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
   EXPECT_EQ(kernelAddresses(), withFreshAddresses({"eth0:1 192.0.2.10/24"}));
@@ -53,7 +53,7 @@ TEST(AddAddress, SetsOwnerThenModeThenRenamesAndNeverSyncs) {
 }
 
 // A left-over file does not take a number: only the kernel's labels do.
-TEST(AddAddress, ReplacesALeftOverAliasFileButKeepsItsOwnerAndMode) {
+TEST(AddAddress, ReplacesAStaleAliasFileAndKeepsItsOwnerAndMode) {
   const std::string file = interfaceFile("eth0:1");
   writeFile(file, "DEVICE=eth0:1\nIPADDR=203.0.113.9\nONBOOT=no\nMTU=1400\n# a long comment\n");
   ASSERT_EQ(chown(file.c_str(), 12, 34), 0);
@@ -63,7 +63,7 @@ TEST(AddAddress, ReplacesALeftOverAliasFileButKeepsItsOwnerAndMode) {
             (NetworkFile{aliasText("eth0:1", "192.0.2.10", "255.255.255.0"), 0107640, 12, 34}));
 }
 
-TEST(AddAddress, TakesTheLowestFreeNumberOfTheInterface) {
+TEST(AddAddress, UsesTheLowestFreeNumberOfTheInterface) {
   addInterface("eth1", {"198.51.100.1/24"});
   addAlias("eth0:1", "10.0.0.1/32");
   addAlias("eth0:web", "10.0.0.2/32");
@@ -82,7 +82,7 @@ TEST(AddAddress, TakesTheLowestFreeNumberOfTheInterface) {
                           "eth0:web 10.0.0.2/32", "eth1 198.51.100.1/24", "eth1:2 10.0.0.5/32"}));
 }
 
-TEST(AddAddress, TakesTheNetmaskOfThePrefixLength) {
+TEST(AddAddress, WritesTheNetmaskOfThePrefixLength) {
   struct Row {
     std::string typed;
     std::string netmask;
@@ -111,7 +111,7 @@ TEST(AddAddress, KeepsTheTypedTextInTheFile) {
   EXPECT_EQ(valuesInShell("eth0", {"IPV6ADDR_SECONDARIES"}), Lines{"2001:DB8:0::5/64"});
 }
 
-TEST(AddAddress, RefusesATextThatIsNoNetmask) {
+TEST(AddAddress, RefusesAnInvalidNetmask) {
   for (const char* netmask : {"24", "", "255.255.255", "255.255.255.0 ", "255.255.255.256", "64"}) {
     expectRefused({"-a", "eth0", "192.0.2.10", netmask},
                   std::string(netmask) + ": cannot convert to netmask");
@@ -128,13 +128,13 @@ TEST(AddAddress, RefusesAnInterfaceWithoutAnAddress) {
   }
 }
 
-TEST(AddAddress, JudgesTheThirdOperandBeforeTheInterface) {
+TEST(AddAddress, ChecksTheThirdOperandBeforeTheInterface) {
   expectRefused({"-a", "eth9", "192.0.2.10", "24"}, "24: cannot convert to netmask");
   expectRefused({"-a", "eth9", "2001:db8::5", "x"}, "x: cannot convert to int");
 }
 
 // The kernel's answer is made up: to really give an interface that many takes minutes.
-TEST(AddAddress, RefusesAnAliasWhereEveryNumberIsTaken) {
+TEST(AddAddress, RefusesWhenEveryAliasNumberIsTaken) {
   const MachineState before;
   const std::uint32_t index = if_nametoindex("eth0");
   std::vector<AddressMessage> messages;
@@ -154,13 +154,13 @@ TEST(AddAddress, RefusesAnAliasWhereEveryNumberIsTaken) {
   EXPECT_EQ(MachineState(), before);
 }
 
-TEST(AddAddress, IsContentWithAnInterfaceThatHasIPv6Alone) {
+TEST(AddAddress, AcceptsAnInterfaceWithOnlyIPv6) {
   addInterface("eth1", {"2001:db8:1::1/64"});
   EXPECT_EQ(runAddrtool({"-a", "eth1", "10.0.0.1", "255.255.255.0"}), silentSuccess);
   EXPECT_EQ(kernelAddresses().back(), "eth1:1 10.0.0.1/24");
 }
 
-TEST(AddAddress, LeavesTheFilesAloneWhenTheIPv4CommandFails) {
+TEST(AddAddress, KeepsTheFilesWhenTheIPv4CommandFails) {
   recordIfconfig("exit 1");
   expectRefused({"-a", "eth0", "192.0.2.10", "255.255.255.0"},
                 "/sbin/ifconfig 'eth0:1' '192.0.2.10' netmask  '255.255.255.0' up"
@@ -174,7 +174,7 @@ TEST(AddAddress, ReportsThatTheKernelCannotBeAsked) {
 
 // --- IPv6 --------------------------------------------------------------------
 
-TEST(AddAddress, PutsIPv6OnTheInterfaceAndInItsFile) {
+TEST(AddAddress, AddsIPv6ToTheInterfaceAndItsFile) {
   NetworkFiles files = networkFiles();
   EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::5", "64"}), silentSuccess);
   EXPECT_EQ(kernelAddresses(), withFreshAddresses({"eth0 2001:db8::5/64"}));
@@ -185,7 +185,7 @@ TEST(AddAddress, PutsIPv6OnTheInterfaceAndInItsFile) {
 }
 
 // The closing quote of the list counts as part of its last entry.
-TEST(AddAddress, LosesThePrefixLengthOfTheLastListedIPv6Address) {
+TEST(AddAddress, LosesThePrefixLengthOfTheLastIPv6AddressInTheList) {
   for (const char* address : {"2001:db8::5", "2001:db8::6", "2001:db8::7"}) {
     ASSERT_EQ(runAddrtool({"-a", "eth0", address, "64"}), silentSuccess);
   }
@@ -193,7 +193,7 @@ TEST(AddAddress, LosesThePrefixLengthOfTheLastListedIPv6Address) {
             (Lines{"2001:db8::1/64", "2001:db8::7/64 2001:db8::6/64 2001:db8::5/0"}));
 }
 
-TEST(AddAddress, KeepsOwnerAndModeOfTheInterfacesFile) {
+TEST(AddAddress, KeepsOwnerAndModeOfTheInterfaceFile) {
   const std::string file = interfaceFile("eth0");
   ASSERT_EQ(chown(file.c_str(), 12, 34), 0);
   ASSERT_EQ(chmod(file.c_str(), 06600), 0);
@@ -204,7 +204,7 @@ TEST(AddAddress, KeepsOwnerAndModeOfTheInterfacesFile) {
   EXPECT_EQ(files["ifcfg-eth0"].mode, 0106600U);
 }
 
-TEST(AddAddress, TakesWhiteSpaceAndAPlusAroundAPrefixLength) {
+TEST(AddAddress, AcceptsWhiteSpaceAndAPlusInAPrefixLength) {
   int number = 5;
   for (const char* length : {"64 ", " 64", "+64", "\t+ 64\n", "064"}) {
     const std::string address = "2001:db8::" + std::to_string(number++);
@@ -214,7 +214,7 @@ TEST(AddAddress, TakesWhiteSpaceAndAPlusAroundAPrefixLength) {
   }
 }
 
-TEST(AddAddress, RefusesATextThatIsNoPrefixLength) {
+TEST(AddAddress, RefusesAnInvalidPrefixLength) {
   for (const char* length :
        {"64x", "-64", "70000", "", " ", "+", "6 4", "0x40", "65536", "/64", "255.255.255.0"}) {
     expectRefused({"-a", "eth0", "--", "2001:db8::5", length},
@@ -223,12 +223,12 @@ TEST(AddAddress, RefusesATextThatIsNoPrefixLength) {
 }
 
 // So the prefix length, not the netmask, is judged.
-TEST(AddAddress, TakesAnyTextWithAColonForIPv6) {
+TEST(AddAddress, TreatsAnyTextWithAColonAsIPv6) {
   expectRefused({"-a", "eth0", "192.0.2.10:", "255.255.255.0"},
                 "255.255.255.0: cannot convert to int");
 }
 
-TEST(AddAddress, LeavesItToTheCommandToRefuseWhatTheKernelRefuses) {
+TEST(AddAddress, FailsWithTheCommandWhenTheKernelRefuses) {
   ASSERT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
   const std::vector<std::pair<Lines, std::string>> rows{
       {{"-a", "eth0", "192.0.2.10", "255.255.255.0"},  // is there, as alias 1
@@ -248,14 +248,14 @@ TEST(AddAddress, LeavesItToTheCommandToRefuseWhatTheKernelRefuses) {
   }
 }
 
-TEST(AddAddress, NeverReadsTheKernelForAnIPv6Address) {
+TEST(AddAddress, AddsIPv6WithoutReadingTheKernel) {
   const auto [outcome, calls] =
       traceCommand({"-e", "trace=socket,sendto"}, {"addrtool", "-a", "eth0", "2001:db8::5", "64"});
   EXPECT_EQ(outcome, silentSuccess);
   EXPECT_EQ(callsStarting("sendto(", calls), Lines{});
 }
 
-TEST(AddAddress, MakesNoFileForAnInterfaceThatHasNone) {
+TEST(AddAddress, CreatesNoInterfaceFile) {
   addInterface("eth1", {"2001:db8:1::1/64"});
   prepare("rm " + interfaceFile("eth1").string());
   const NetworkFiles files = networkFiles();

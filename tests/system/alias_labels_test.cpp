@@ -59,7 +59,7 @@ void expectNoFreeNumber(const std::string& interface) {
                 interface + ": no free alias number.");
 }
 
-TEST(AliasLabels, NamesOf14And15BytesLeaveNoNumber) {
+TEST(AliasLabels, NamesOf14And15BytesHaveNoNumber) {
   for (const std::string& name : {name14, name15}) {
     makeInterface(name);
     expectNoFreeNumber(name);
@@ -83,13 +83,13 @@ TEST(AliasLabels, ANameOf12BytesHas99Numbers) {
   expectNoFreeNumber(name12);
 }
 
-TEST(AliasLabels, AShortNameGoesOnBeyond99) {
+TEST(AliasLabels, AShortNameHasNumbersAbove99) {
   makeInterface(name4);
   takeNumbers(name4, 1, 99);
   expectNextAlias(name4, 100);
 }
 
-TEST(AliasLabels, AnAliasWhoseLabelOutgrewTheKernelStays) {
+TEST(AliasLabels, AnAliasWhoseLabelBecameTooLongIsKept) {
   makeInterface("eth5");
   takeNumbers("eth5", 1, 1);
   renameInterface("eth5", name15);

@@ -113,7 +113,7 @@ TEST_F(ChangesWithoutFiles, AreKeptWhenTheDiskIsFull) {
 }
 
 // The temporary file stays behind.
-TEST_F(ChangesWithoutFiles, CannotReplaceADirectoryByAnAliasFile) {
+TEST_F(ChangesWithoutFiles, CannotReplaceADirectoryWithAnAliasFile) {
   fs::create_directory(interfaceFile("eth0:2"));
   writeFile(interfaceFile("eth0:2") / "precious", "kept\n");
   NetworkFiles files = networkFiles();
@@ -126,7 +126,7 @@ TEST_F(ChangesWithoutFiles, CannotReplaceADirectoryByAnAliasFile) {
   EXPECT_EQ(readFile(interfaceFile("eth0:2") / "precious"), "kept\n");
 }
 
-TEST_F(ChangesWithoutFiles, DoNotMissADirectoryInTheirPlace) {
+TEST_F(ChangesWithoutFiles, IgnoreADirectoryInPlaceOfAFile) {
   for (const char* label : {"eth0", "eth0:1"}) {
     fs::remove(interfaceFile(label));
     fs::create_directory(interfaceFile(label));
@@ -148,7 +148,7 @@ void makeSocket(const std::string& label) {
   ASSERT_EQ(mknod(interfaceFile(label).c_str(), S_IFSOCK | 0750, 0), 0);
 }
 
-TEST_F(ChangesWithoutFiles, ReplaceASocketByAnAliasFile) {
+TEST_F(ChangesWithoutFiles, ReplaceASocketWithAnAliasFile) {
   makeSocket("eth0:2");
   NetworkFiles files = networkFiles();
   EXPECT_EQ(addIPv4(), silentSuccess);
@@ -157,7 +157,7 @@ TEST_F(ChangesWithoutFiles, ReplaceASocketByAnAliasFile) {
 }
 
 // It cannot be read, so there is nothing to edit; the temporary files stay behind.
-TEST_F(ChangesWithoutFiles, LeaveASocketInPlaceOfTheInterfacesFile) {
+TEST_F(ChangesWithoutFiles, KeepASocketInPlaceOfTheInterfaceFile) {
   makeSocket("eth0");
   NetworkFiles files = networkFiles();
   EXPECT_EQ(addIPv6(), silentSuccess);

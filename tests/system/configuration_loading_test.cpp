@@ -22,7 +22,7 @@ std::string manyDefinitions(int count) {
   return text;
 }
 
-TEST_F(ConfigurationLoading, NoContentsChangeTheOutput) {
+TEST_F(ConfigurationLoading, DoesNotDependOnTheContents) {
   using namespace std::string_literals;
   std::string repeated;
   for (int i = 0; i < 4000; ++i) repeated += manyDefinitions(25);
@@ -45,7 +45,7 @@ TEST_F(ConfigurationLoading, AFileThatCannotBeReadChangesNothing) {
 }
 
 // A pipe that nobody writes to holds the program where it opens the file.
-TEST_F(ConfigurationLoading, ComesBehindTheChecksOfTheCommandLine) {
+TEST_F(ConfigurationLoading, ComesAfterTheChecksOfTheCommandLine) {
   ASSERT_EQ(mkfifo(config.c_str(), 0600), 0);
   EXPECT_EQ(runShell("timeout 20 addrtool -l extra").exitStatus, 1);
   EXPECT_EQ(runShell("timeout 20 addrtool").exitStatus, 2);

@@ -13,7 +13,7 @@ void add(const std::string& address, const std::string& netmaskOrPrefix) {
 
 // --- IPv4 --------------------------------------------------------------------
 
-TEST(DeleteAddress, TakesAnAliasAwayWithItsFile) {
+TEST(DeleteAddress, RemovesAnAliasAndItsFile) {
   add("192.0.2.10", "255.255.255.0");
   const MachineState before;
   add("192.0.2.11", "255.255.255.0");
@@ -21,7 +21,7 @@ TEST(DeleteAddress, TakesAnAliasAwayWithItsFile) {
   EXPECT_EQ(MachineState(), before);
 }
 
-TEST(DeleteAddress, LeavesTheFilesOfOtherAliasesAlone) {
+TEST(DeleteAddress, KeepsTheFilesOfOtherAliases) {
   add("192.0.2.10", "255.255.255.0");
   add("198.51.100.1", "255.255.255.0");
   NetworkFiles files = networkFiles();
@@ -47,7 +47,7 @@ TEST(DeleteAddress, RefusesEveryMainAddressEvenIfItIsAnAliasElsewhere) {
   }
 }
 
-TEST(DeleteAddress, FindsNoIPv4AddressThatIsNotManagedOrNotThere) {
+TEST(DeleteAddress, FindsOnlyManagedIPv4Addresses) {
   add("10.0.0.1", "255.255.255.0");
   for (const std::string address : {"127.0.0.1", "192.0.2.99", "10.0.0.01", "10.0.0.1 ", "10.0.1",
                                     "10.0.0.1/24", "10.0.0.", "eth0", ""}) {
@@ -55,7 +55,7 @@ TEST(DeleteAddress, FindsNoIPv4AddressThatIsNotManagedOrNotThere) {
   }
 }
 
-TEST(DeleteAddress, TakesTheAliasOfTheFirstInterfaceByName) {
+TEST(DeleteAddress, RemovesTheAliasFromTheFirstInterfaceByName) {
   addInterface("eth1", {"203.0.113.7/24"});
   addAlias("eth0:1", "203.0.113.7/24");
   EXPECT_EQ(runAddrtool({"-d", "203.0.113.7"}), silentSuccess);
@@ -63,7 +63,7 @@ TEST(DeleteAddress, TakesTheAliasOfTheFirstInterfaceByName) {
   expectRefused({"-d", "203.0.113.7"}, "203.0.113.7: cannot delete main IP on interface");
 }
 
-TEST(DeleteAddress, TakesTheFirstAliasInTextOrderOfTheSuffix) {
+TEST(DeleteAddress, RemovesTheFirstAliasInTextOrderOfTheSuffix) {
   addAlias("eth0:2", "203.0.113.7/24");
   addAlias("eth0:10", "203.0.113.7/32");
   expectCommandLines({"-d", "203.0.113.7"}, {"/sbin/ifconfig 'eth0:10' down"});
@@ -102,7 +102,7 @@ TEST(DeleteAddress, ReportsThatTheKernelCannotBeAsked) {
 
 // --- IPv6 --------------------------------------------------------------------
 
-TEST(DeleteAddress, TakesIPv6AwayHoweverItIsWrittenHereAndInTheFile) {
+TEST(DeleteAddress, RemovesIPv6InAnySpellingFromKernelAndFile) {
   const MachineState before;
   for (const auto& [added, deleted] : std::vector<std::pair<std::string, std::string>>{
            {"2001:db8::5", "2001:db8::5"},
@@ -116,7 +116,7 @@ TEST(DeleteAddress, TakesIPv6AwayHoweverItIsWrittenHereAndInTheFile) {
   }
 }
 
-TEST(DeleteAddress, KeepsOwnerAndModeOfTheInterfacesFile) {
+TEST(DeleteAddress, KeepsOwnerAndModeOfTheInterfaceFile) {
   const std::string file = interfaceFile("eth0");
   ASSERT_EQ(chown(file.c_str(), 12, 34), 0);
   ASSERT_EQ(chmod(file.c_str(), 01755), 0);
@@ -154,7 +154,7 @@ TEST(DeleteAddress, RefusesTheLastIPv6AddressOfAnInterface) {
   expectRefused({"-d", "2001:DB8:0::1"}, "2001:DB8:0::1: cannot remove last address from eth0");
 }
 
-TEST(DeleteAddress, FindsNoIPv6AddressThatIsNotManagedOrNotThere) {
+TEST(DeleteAddress, FindsOnlyManagedIPv6Addresses) {
   ip("address add fe80::1/64 dev eth0");
   add("2001:db8::5", "64");
   for (const std::string address : {"fe80::1", "::1", "2001:db8::99", "2001:db8::5/64", ":",
@@ -163,7 +163,7 @@ TEST(DeleteAddress, FindsNoIPv6AddressThatIsNotManagedOrNotThere) {
   }
 }
 
-TEST(DeleteAddress, TakesIPv6FromTheFirstInterfaceByName) {
+TEST(DeleteAddress, RemovesIPv6FromTheFirstInterfaceByName) {
   addInterface("eth1", {"2001:db8:1::1/64", "2001:db8::5/64"});
   add("2001:db8::5", "64");
   EXPECT_EQ(runAddrtool({"-d", "2001:db8::5"}), silentSuccess);
@@ -172,7 +172,7 @@ TEST(DeleteAddress, TakesIPv6FromTheFirstInterfaceByName) {
 }
 
 // It is searched for no further, though eth1 could give it up.
-TEST(DeleteAddress, RefusesALastIPv6AddressThatIsElsewhereToo) {
+TEST(DeleteAddress, RefusesALastIPv6AddressEvenIfAnotherInterfaceHasIt) {
   addInterface("eth1", {"2001:db8:1::1/64", "2001:db8::1/64"});
   expectRefused({"-d", "2001:db8::1"}, "2001:db8::1: cannot remove last address from eth0");
 }
@@ -196,13 +196,13 @@ void expectFileIsKept(const Lines& arguments, const std::string& message, const 
   EXPECT_EQ(inode(), before);
 }
 
-TEST(DeleteAddress, ReportsTheTypedTextOfAnAddressThatIsTheLastInTheFile) {
+TEST(DeleteAddress, ReportsTheTypedTextIfTheAddressIsTheLastInTheFile) {
   ip("address add 2001:db8::5/64 dev eth0");
   expectFileIsKept({"-d", "2001:DB8:0::1"}, "Cannot remove last IPv6 address 2001:DB8:0::1",
                    {"eth0 192.0.2.1/24", "eth0 2001:db8::5/64"});
 }
 
-TEST(ChangeIPv6, ReportsAListThatCannotBeParsedAndLeavesIt) {
+TEST(ChangeIPv6, ReportsAMalformedListAndKeepsIt) {
   add("2001:db8::5", "64");
   prepare("echo IPV6ADDR_SECONDARIES=2001:db8::6 >>" + interfaceFile("eth0").string());
   const std::string message = "2001:db8::6: cannot parse IPv6 address";

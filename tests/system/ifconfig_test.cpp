@@ -32,7 +32,7 @@ std::string lastLine(const std::string& text) {
   return lines.substr(lines.rfind('\n') + 1);
 }
 
-TEST(RunIfconfig, PassesTheArgumentsOnAsTheyAre) {
+TEST(RunIfconfig, PassesTheArgumentsUnchanged) {
   recordIfconfig();
   EXPECT_EQ(ifconfigFailure("'eth0:1' '192.0.2.10' netmask  '255.255.255.0' up"), "");
   EXPECT_EQ(ifconfigFailure("'a  b' \"c\" d\\ e 'f\ng' '' $((1+1))"), "");
@@ -42,7 +42,7 @@ TEST(RunIfconfig, PassesTheArgumentsOnAsTheyAre) {
                 {"/sbin/ifconfig", "a  b", "c", "d e", "f\ng", "", "2"}}));
 }
 
-TEST(RunIfconfig, NamesTheStatusOfAFailedCommand) {
+TEST(RunIfconfig, ReportsTheStatusOfAFailedCommand) {
   recordIfconfig("exit ${2-3}");
   for (const char* status : {"1", "2", "10", "127", "128", "137", "255"}) {
     const std::string arguments = std::string("eth0 ") + status;
@@ -53,7 +53,7 @@ TEST(RunIfconfig, NamesTheStatusOfAFailedCommand) {
   EXPECT_EQ(recordedCommands().back(), Lines{"/sbin/ifconfig"});
 }
 
-TEST(RunIfconfig, TakesStatusZeroForSuccessWhateverIsPrinted) {
+TEST(RunIfconfig, TreatsStatus0AsSuccessWhateverIsPrinted) {
   recordIfconfig("echo some output; echo SIOCSIFADDR: No such device >&2");
   EXPECT_EQ(runInChild([] { runIfconfig("eth0"); }),
             (Outcome{0, 0, "some output\n", "SIOCSIFADDR: No such device\n"}));
@@ -61,7 +61,7 @@ TEST(RunIfconfig, TakesStatusZeroForSuccessWhateverIsPrinted) {
 
 using RunIfconfigSignal = ::testing::TestWithParam<int>;
 
-TEST_P(RunIfconfigSignal, IsNamedWhenItEndedTheCommand) {
+TEST_P(RunIfconfigSignal, IsReportedIfItKilledTheCommand) {
   recordIfconfig(killShell(GetParam()));
   EXPECT_EQ(ifconfigFailure("eth0"),
             "/sbin/ifconfig eth0 killed with signal " + std::to_string(GetParam()));
@@ -81,7 +81,7 @@ TEST(RunIfconfig, ReportsAMissingCommandAsTheShellDoes) {
 
 // A caller that ignores SIGCHLD hands that on, and then no child can be waited for: a failed
 // system(3) is a failed command with status 255, even if the command did its work.
-TEST(RunIfconfig, CountsAFailureToWaitAsStatus255) {
+TEST(RunIfconfig, ReportsAFailedWaitAsStatus255) {
   const NetworkFiles filesBefore = networkFiles();
   const Outcome outcome = runCommand(
       {"env", "--ignore-signal=CHLD", "addrtool", "-a", "eth0", "192.0.2.10", "255.255.255.0"});
@@ -91,12 +91,12 @@ TEST(RunIfconfig, CountsAFailureToWaitAsStatus255) {
 
 // Where not even a shell can be started, glibc's system(3) says what a shell says that cannot
 // start the command.
-TEST(RunIfconfig, CountsAFailureToForkAsAFailedCommand) {
+TEST(RunIfconfig, ReportsAFailedForkAsStatus127) {
   expectRefusedWith("inject=clone,clone3,fork,vfork:error=EAGAIN", addOne,
                     addOneCommand + " exited with non-zero status 127");
 }
 
-TEST(RunIfconfig, LetsTheCommandInheritTheStandardStreamsAlone) {
+TEST(RunIfconfig, LetsTheCommandInheritOnlyTheStandardStreams) {
   prepare("mkdir -p /etc/kel; echo PRODUCT_ROOT_D /opt >/etc/kel/kel.conf");
   addAlias("eth0:1", "198.51.100.1/24");
   addAlias("eth0:2", "198.51.100.2/24");
@@ -112,7 +112,7 @@ TEST(RunIfconfig, LetsTheCommandInheritTheStandardStreamsAlone) {
 
 // --- the command lines that the program makes --------------------------------
 
-TEST(RunIfconfig, GetsTheCommandLinesOfAddsAndDeletes) {
+TEST(RunIfconfig, PassesExactCommandLinesForAddsAndDeletes) {
   addAlias("eth0:1", "192.0.2.8/24");
   addAlias("eth0:2", "192.0.2.9/24");
   addAlias("eth0:web:2", "192.0.2.11/24");
@@ -125,7 +125,7 @@ TEST(RunIfconfig, GetsTheCommandLinesOfAddsAndDeletes) {
   expectCommandLines({"-d", "2001:0DB8::5"}, {"/sbin/ifconfig eth0 del 2001:db8::5/48"});
 }
 
-TEST(RunIfconfig, GetsPrefixLengthsThatAreOutOfRange) {
+TEST(RunIfconfig, PassesPrefixLengthsThatAreTooLarge) {
   recordIfconfig("exit 1");
   for (const std::string length : {"0", "200", "65535"}) {
     EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::5", length}),
@@ -138,7 +138,7 @@ TEST(RunIfconfig, GetsPrefixLengthsThatAreOutOfRange) {
                                 {"/sbin/ifconfig", "eth0", "add", "2001:db8::5/65535"}}));
 }
 
-TEST(RunIfconfig, GetsIPv4OperandsInQuotes) {
+TEST(RunIfconfig, QuotesIPv4Operands) {
   recordIfconfig();
   EXPECT_EQ(runAddrtool({"-a", "eth0", "10.0.0.5; $(id) *", "255.255.255.0"}), silentSuccess);
   EXPECT_EQ(recordedCommands(),
@@ -147,7 +147,7 @@ TEST(RunIfconfig, GetsIPv4OperandsInQuotes) {
 }
 
 // The shell reads them as it reads anything: a caller has to be trusted.
-TEST(RunIfconfig, GetsIPv6OperandsWithoutQuotes) {
+TEST(RunIfconfig, DoesNotQuoteIPv6Operands) {
   recordIfconfig();
   EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::$((4+5))", "64"}), silentSuccess);
   EXPECT_EQ(recordedCommands(),

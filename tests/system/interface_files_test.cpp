@@ -12,7 +12,7 @@ void writeAlias() {
 }
 
 // Only existence matters, and it is checked for each file.
-TEST(AliasFiles, HaveAFourthLineWhileTheSuseMarkerExists) {
+TEST(AliasFiles, HaveAFourthLineIfTheSuseMarkerExists) {
   const std::vector<std::pair<std::string, bool>> rows{
       {"true", false},          {"touch $MARKER", true},
       {"mkdir $MARKER", true},  {"ln -s /dev/null $MARKER", true},

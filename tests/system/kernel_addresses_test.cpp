@@ -38,7 +38,7 @@ bool isSocketClosed(const Trace& trace) {
   return closed < std::find_if(calls.begin(), calls.end(), isWrite);
 }
 
-TEST(KernelAddresses, TheSocketIsOpenedAskedReadAndClosed) {
+TEST(KernelAddresses, TheSocketIsOpenedUsedAndClosed) {
   const Trace trace = traceListing();
   EXPECT_EQ(trace.outcome, success(freshListing));
 
@@ -74,7 +74,7 @@ TEST(KernelAddresses, TheRequestIs24BytesWithTheProcessId) {
   EXPECT_TRUE(call[2].starts_with(" | 00010  00 00 00 00 00 00 00 00      ")) << call[2];
 }
 
-TEST(KernelAddresses, EveryDatagramIsReceivedOnceIntoTheWholeBuffer) {
+TEST(KernelAddresses, EveryDatagramIsReceivedOnceIntoAnEmptyBuffer) {
   addManyAddresses(600);
   const Trace trace = traceListing();
   EXPECT_EQ(trace.outcome.exitStatus, 0);
@@ -134,7 +134,7 @@ TEST(KernelAddresses, AFailingCloseDoesNotChangeTheMessage) {
             "close(" + socketNumber(calls) + ") = -1 EIO (Input/output error) (INJECTED)");
 }
 
-TEST(KernelAddresses, AReplyThatCannotBeIsReportedAndTheSocketClosed) {
+TEST(KernelAddresses, AMalformedReplyIsReportedAndTheSocketClosed) {
   const std::string address = datagramOf({{.attributes = {addressAttribute("192.0.2.9")}}});
   const Lines replies{
       "",
@@ -173,7 +173,7 @@ TEST(KernelAddresses, AnInterfaceWithoutANameIsReportedAndTheSocketStaysOpen) {
 const std::string loopbackAddress =
     datagramOf({{.prefixLength = 32, .attributes = {addressAttribute("192.0.2.9")}}});
 
-TEST(KernelAddresses, OnlyTheFirstMessageEndsTheDumpAndAllAddressesOfItsDatagramCount) {
+TEST(KernelAddresses, OnlyTheFirstMessageOfADatagramCanEndTheDump) {
   const std::string done = headerOnly(16, NLMSG_DONE);
   const std::string line = "192.0.2.9 255.255.255.255 lo 1\n";
   for (const std::string& end : {done, headerOnly(16, NLMSG_ERROR)}) {

@@ -113,7 +113,7 @@ INSTANTIATE_TEST_SUITE_P(
                    line1 + "192.0.2.7 255.255.255.0 eth0 0\n" + lineIPv6}),
     [](const auto& row) { return row.param.rule; });
 
-TEST(Listing, LimitedAndTemporaryIPv6AddressesAreAbsent) {
+TEST(Listing, LacksTemporaryAndLimitedIPv6Addresses) {
   const Outcome enabled = runShell("echo 2 > /proc/sys/net/ipv6/conf/eth0/use_tempaddr");
   ASSERT_EQ(enabled.exitStatus, 0) << enabled.err;
   ip(R"(address delete 2001:db8::1/64 dev eth0
@@ -125,7 +125,7 @@ TEST(Listing, LimitedAndTemporaryIPv6AddressesAreAbsent) {
             "2001:db8:2::1 64 eth0 0\n");
 }
 
-TEST(Listing, TheAddressColonColonTwoIsAbsent) {
+TEST(Listing, LacksTheAddressColonColonTwo) {
   ip(R"(link add eth1 type veth peer name peer1
         address add ::2/128 dev eth1 nodad
         address flush dev eth0
@@ -144,7 +144,7 @@ TEST(Listing, HasThousandsOfAddressesInOrder) {
   EXPECT_TRUE(listing() == line1 + lines + lineIPv6);
 }
 
-TEST(Listing, ManyAliasesCostAReceivePerDatagramAWritePerLineAndLittleElse) {
+TEST(Listing, MakesOneReceivePerDatagramAndOneWritePerLine) {
   addManyAddresses(2000, true);
   const Trace trace = traceCommand({"-e", "trace=!%memory"}, {"addrtool", "--list"});
   EXPECT_EQ(trace.outcome.exitStatus, 0);
@@ -183,7 +183,7 @@ TEST(Listing, ContinuesAfterAShortOrInterruptedWriteAndStopsAtAFailure) {
   }
 }
 
-TEST(Listing, LinesThatCannotBeWrittenAreLostWithoutAWord) {
+TEST(Listing, IgnoresThatALineCannotBeWritten) {
   EXPECT_EQ(runShell("addrtool --list >/dev/full"), silentSuccess);
 }
 
@@ -243,12 +243,12 @@ Lines describe(const AddressInventory& inventory) {
   return lines;
 }
 
-TEST(Inventory, WithHostScopeHoldsLoopbackToo) {
+TEST(Inventory, IncludesLoopbackWithHostScope) {
   EXPECT_EQ(describe(buildAddressInventory(true)),
             (Lines{"eth0", "192.0.2.1/24", "2001:db8::1/64", "lo", "127.0.0.1/8", "::1/128"}));
 }
 
-TEST(Inventory, HoldsTheManagedAddressesByInterfaceAndIsReadAfreshEachTime) {
+TEST(Inventory, HoldsTheManagedAddressesAndIsNeverCached) {
   EXPECT_EQ(describe(buildAddressInventory(false)),
             (Lines{"eth0", "192.0.2.1/24", "2001:db8::1/64"}));
   ip("address add 192.0.2.2/24 dev eth0 label eth0:1");
@@ -287,7 +287,7 @@ TEST(Inventory, IsEmptyOnAMachineWithOnlyLoopback) {
   EXPECT_EQ(printInventory("main-address"), failure(message));
 }
 
-TEST(InterfaceNames, ComeInNameOrderOncePerInterface) {
+TEST(InterfaceNames, AreSortedAndUnique) {
   ip(R"(link add wlan0 type veth peer name peer1
         link add eth1 type veth peer name peer2
         address add 10.1.0.1/16 dev eth1
@@ -297,7 +297,7 @@ TEST(InterfaceNames, ComeInNameOrderOncePerInterface) {
   EXPECT_EQ(printInventory("interface-names"), success("eth0\neth1\nwlan0\n"));
 }
 
-TEST(InterfaceNames, EndAtTheirFirstColonAndAreMerged) {
+TEST(InterfaceNames, EndAtTheFirstColonAndAreMerged) {
   ip(R"(link add eth1 type veth peer name peer1
         address add 10.1.0.1/16 dev eth1
         address delete 2001:db8::1/64 dev eth0)");

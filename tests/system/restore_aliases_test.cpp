@@ -19,7 +19,7 @@ std::string upCommand(int number) {
   return "/sbin/ifconfig 'eth0:" + text + "' '198.51.100." + text + "' netmask  '255.255.255.0' up";
 }
 
-TEST(RestoreAliases, BringsBackWhatVanishedWithTheFirstOfASubnetInTextOrderOfTheSuffix) {
+TEST(RestoreAliases, RestoresVanishedAliasesInTextOrderOfTheSuffix) {
   addAliases(10);
   MachineState expected;
   std::erase(expected.addresses, "eth0:1 198.51.100.1/24");
@@ -30,12 +30,12 @@ TEST(RestoreAliases, BringsBackWhatVanishedWithTheFirstOfASubnetInTextOrderOfThe
   EXPECT_EQ(MachineState(), expected);
 }
 
-TEST(RestoreAliases, RunsNothingWhenAllAreStillThere) {
+TEST(RestoreAliases, RunsNoCommandIfNoAliasVanished) {
   addAliases(10);
   expectCommandLines({"-d", "198.51.100.5"}, {"/sbin/ifconfig 'eth0:5' down"});
 }
 
-TEST(RestoreAliases, TouchesOnlyWhatVanishedAndWritesNoFile) {
+TEST(RestoreAliases, RestoresOnlyVanishedAliasesAndWritesNoFile) {
   addAlias("eth0:1", "198.51.100.1/24");
   addAlias("eth0:2", "198.51.100.2/24");
   addAlias("eth0:3", "203.0.113.3/24");
@@ -51,7 +51,7 @@ TEST(RestoreAliases, TouchesOnlyWhatVanishedAndWritesNoFile) {
   EXPECT_EQ(networkFiles(), files);
 }
 
-TEST(RestoreAliases, WorksOnAnInterfaceThatHasLostAllItsAddressesAndKeepsPrefixLengths) {
+TEST(RestoreAliases, RestoresPrefixLengthsEvenIfNoAddressIsLeft) {
   addInterface("eth1", {});
   addAlias("eth1:1", "203.0.113.1/30");
   addAlias("eth1:2", "203.0.113.2/30");
@@ -60,7 +60,7 @@ TEST(RestoreAliases, WorksOnAnInterfaceThatHasLostAllItsAddressesAndKeepsPrefixL
 }
 
 // Only aliases are brought back.
-TEST(RestoreAliases, LosesAMainAddressThatVanished) {
+TEST(RestoreAliases, DoesNotRestoreAMainAddress) {
   addAlias("eth0:1", "198.51.100.1/24");
   ip("address add 198.51.100.2/24 dev eth0");
   addAlias("eth0:3", "198.51.100.3/24");
@@ -68,7 +68,7 @@ TEST(RestoreAliases, LosesAMainAddressThatVanished) {
   EXPECT_EQ(kernelAddresses(), withFreshAddresses({"eth0:3 198.51.100.3/24"}));
 }
 
-TEST(RestoreAliases, TakesALabelWithAnotherAddressForPresent) {
+TEST(RestoreAliases, DoesNotRestoreALabelThatHasAnotherAddress) {
   addAliases(2);
   recordIfconfig(
       "ip address del 198.51.100.1/24 dev eth0; "
@@ -78,7 +78,7 @@ TEST(RestoreAliases, TakesALabelWithAnotherAddressForPresent) {
 }
 
 // Nor does it come back itself when it is still there, or went without a trace.
-TEST(RestoreAliases, NeverBringsBackWhatWasDeleted) {
+TEST(RestoreAliases, DoesNotRestoreTheDeletedAlias) {
   addAliases(2);
   recordIfconfig("ip address flush dev eth0 label 'eth0:*'; exit 0");
   EXPECT_EQ(runAddrtool({"-d", "198.51.100.2"}), silentSuccess);

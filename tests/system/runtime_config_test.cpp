@@ -96,7 +96,7 @@ TEST(LoadRuntimeConfiguration, NothingIsKeptAfterAFailure) {
             "-1\n-1\n0\nvalue\n");
 }
 
-TEST(LoadRuntimeConfiguration, WithoutMemoryForTheStructureItSaysSo) {
+TEST(LoadRuntimeConfiguration, OutOfMemoryForTheStructureIsLogged) {
   EXPECT_EQ(outputWith(definesNothing,
                        [] {
                          const FailingAllocations failing(1);
@@ -113,7 +113,7 @@ TEST(LoadRuntimeConfiguration, WithoutMemoryForTheStructureItSaysSo) {
   });
 }
 
-TEST(LoadRuntimeConfiguration, WithoutMemoryForTheTableItFails) {
+TEST(LoadRuntimeConfiguration, OutOfMemoryForTheTableFails) {
   for (const int nth : {2, 3, 4, 5, 6}) {
     EXPECT_EQ(outputWith("NAME value\n",
                          [nth] {
@@ -139,7 +139,7 @@ TEST(LookupConfigFile, LoadsTheFileAndFindsTheName) {
             "value\n3\n(null)\n(null)\n");
 }
 
-TEST(LookupConfigFile, GivesNullWhileTheFileCannotBeLoaded) {
+TEST(LookupConfigFile, ReturnsNullWhileTheFileCannotBeLoaded) {
   EXPECT_EQ(outputWith(nullptr,
                        [] {
                          print(lookupConfigFile("NAME"));
@@ -163,7 +163,7 @@ TEST(ConfigValues, ComeFromTheFileFirst) {
             "/elsewhere\n7\n(null)\n/elsewhere\n/elsewhere\nlowest\n");
 }
 
-TEST(GetConfigValue, GivesOneTextEachTimeButRemembersNoMiss) {
+TEST(GetConfigValue, CachesAFoundValueButNoMissingOne) {
   EXPECT_EQ(outputWith(nullptr,
                        [] {
                          print(getConfigValue(ConfigVariable::DUMP_D));
@@ -175,7 +175,7 @@ TEST(GetConfigValue, GivesOneTextEachTimeButRemembersNoMiss) {
             "(null)\n/elsewhere\nsame\n");
 }
 
-TEST(GetConfigValue, EveryVariableHasItsOwnValue) {
+TEST(GetConfigValue, ReturnsTheValueOfEachVariable) {
   std::string contents;
   std::string values;
   for (std::size_t i = 0; i < configVariables.size(); ++i) {
@@ -197,7 +197,7 @@ TEST(GetConfigValueOrDefault, FallsBackToTheDefaultOfTheVariable) {
   }
 }
 
-TEST(GetConfigValue, OutsideTheTableIsNull) {
+TEST(GetConfigValue, IsNullOutsideTheTable) {
   for (const unsigned index : {30U, 31U, 255U}) {
     EXPECT_EQ(outputWith("NAME value\n",
                          [index] {
@@ -209,7 +209,7 @@ TEST(GetConfigValue, OutsideTheTableIsNull) {
   }
 }
 
-TEST(GetConfigValueByName, KnowsAllVariablesButTheUpperSentinel) {
+TEST(GetConfigValueByName, KnowsAllVariablesExceptTheUpperSentinel) {
   const std::size_t known = configVariables.size() - 1;
   EXPECT_EQ(outputWith(definesNothing,
                        [known] {

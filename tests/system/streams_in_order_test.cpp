@@ -60,13 +60,13 @@ TEST(StreamsInOrder, LeftoverOperandsAreReportedTwice) {
   expectTwice(leftover, outputOf("-l extra"));
 }
 
-TEST(StreamsInOrder, AnswersComeBeforeTheWordsOfACommand) {
+TEST(StreamsInOrder, AnswersComeBeforeTheOutputOfACommand) {
   makeIfconfigSpeak(0);
   EXPECT_EQ(outputOf("-v 10.0.0.1 -a eth0 192.0.2.2 255.255.255.0"), "0complaint\nremark\n");
   EXPECT_EQ(outputOf("-l -a eth0 192.0.2.3 255.255.255.0"), freshListing + "complaint\nremark\n");
 }
 
-TEST(StreamsInOrder, TheWordsOfACommandComeBeforeTheMessageOfItsFailure) {
+TEST(StreamsInOrder, TheOutputOfACommandComesBeforeTheMessageOfItsFailure) {
   makeIfconfigSpeak(7);
   EXPECT_EQ(outputOf("-v 10.0.0.1 -a eth0 2001:db8::2 64"),
             "0complaint\nremark\n"

@@ -69,7 +69,7 @@ TEST(Syslog, GetsTheMessagesUpToTheLevelWithFacilityAndProcessId) {
                                   "<12>" + identAndPid("panel") + "with a facility of its own"}));
 }
 
-TEST(Syslog, IsOpenedAnewByEachInitialisation) {
+TEST(Syslog, IsReopenedByEachInitialisation) {
   const LogSocket first;
   initLogging(nullptr, LOG_INFO, LOG_MAIL, LOG_NDELAY, "first");
   logMessage(LOG_ERR, "one");

@@ -20,7 +20,7 @@ AliasMap aliasesUpTo(unsigned last) {
   return aliases;
 }
 
-TEST(AliasNumber, IsTheLowestThatIsFree) {
+TEST(AliasNumber, IsTheLowestFreeOne) {
   struct Row {
     std::vector<std::string> taken;
     std::string free;
@@ -40,13 +40,13 @@ TEST(AliasNumber, IsTheLowestThatIsFree) {
   }
 }
 
-TEST(AliasNumber, IsBlockedOnlyByItsVeryText) {
+TEST(AliasNumber, IsTakenOnlyByExactlyItsText) {
   for (const char* suffix : {"web", "", "01", "+1", " 1", "1 ", "1:1", "1a", "65537", "0x1"}) {
     EXPECT_EQ(lowestFreeAliasNumber(aliasesWith({suffix})), "1") << '"' << suffix << '"';
   }
 }
 
-TEST(AliasNumber, GoesUpToTheLastOf16Bits) {
+TEST(AliasNumber, GoesUpTo65535) {
   for (const unsigned taken : {9U, 99U, 999U, 9999U, 65534U}) {
     EXPECT_EQ(lowestFreeAliasNumber(aliasesUpTo(taken)), std::to_string(taken + 1));
   }

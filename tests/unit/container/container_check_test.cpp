@@ -47,7 +47,7 @@ TEST(AnyLineHolds, FindsTheTextAnywhereInAnyLine) {
   }
 }
 
-TEST(AnyLineHolds, ComparesBytesAndNothingElse) {
+TEST(AnyLineHolds, ComparesBytes) {
   const std::vector<Row> table{
       {"", "10.0.0.1"},
       {"\n\n", "10.0.0.1"},
@@ -64,13 +64,13 @@ TEST(AnyLineHolds, ComparesBytesAndNothingElse) {
   }
 }
 
-TEST(AnyLineHolds, TheNewlineIsNoPartOfALine) {
+TEST(AnyLineHolds, TheNewlineIsNotPartOfTheLine) {
   EXPECT_FALSE(anyLineOfTextHolds("10.0.0.1\n", "10.0.0.1\n"));
   EXPECT_FALSE(anyLineOfTextHolds("a\nb\n", "a\nb"));
   EXPECT_FALSE(anyLineOfTextHolds("\n\n", "\n"));
 }
 
-TEST(AnyLineHolds, TheEmptyTextIsFoundEvenWithoutALine) {
+TEST(AnyLineHolds, TheEmptyTextIsFoundEvenInAnEmptyFile) {
   for (const std::string text : {"", "\n", "10.0.0.1\n"}) {
     EXPECT_TRUE(anyLineOfTextHolds(text, ""));
   }
@@ -83,7 +83,7 @@ TEST(AnyLineHolds, AReadErrorEndsTheSearch) {
   EXPECT_FALSE(anyLineHolds(directory.get(), "10.0.0.1"));
 }
 
-TEST(AnyLineHolds, WithoutMemoryForALineTheSearchEnds) {
+TEST(AnyLineHolds, OutOfMemoryEndsTheSearch) {
   const TemporaryDirectory directory;
   writeFile(directory / "veinfo", "10.0.0.1\n10.0.0.2\n");
   for (const auto& [address, found] : {std::pair("10.0.0.1", true), std::pair("10.0.0.2", false)}) {

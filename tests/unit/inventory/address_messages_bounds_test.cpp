@@ -48,7 +48,7 @@ TEST(MessageBounds, AMessageTooShortForItsHeadersIsSkippedAndTheNextIsRead) {
   }
 }
 
-TEST(MessageBounds, ALengthThatCannotBeEndsTheDatagram) {
+TEST(MessageBounds, AnImpossibleLengthEndsTheDatagram) {
   const std::string tail = datagramOf({last});
   const auto tooLong = static_cast<std::uint32_t>(16 + tail.size() + 1);
   for (const std::uint32_t length : {0U, 1U, 15U, tooLong, 8192U, 0x7FFFFFFFU, 0x80000000U,
@@ -75,7 +75,7 @@ TEST(MessageBounds, PaddingMayBeMissingAtTheEndOfTheDatagram) {
   }
 }
 
-TEST(MessageBounds, FewerBytesThanAHeaderBehindTheLastMessageAreIgnored) {
+TEST(MessageBounds, BytesTooFewForAHeaderAfterTheLastMessageAreIgnored) {
   for (std::size_t size = 1; size < 16; ++size) {
     const std::string rest = headerOnly(16, RTM_NEWADDR).substr(0, size);
     EXPECT_EQ(collect({datagramOf({last}) + rest}), lastAlone) << size << " bytes";
@@ -96,7 +96,7 @@ TEST(MessageBounds, AMessageEndsWhereItsLengthSays) {
 
 // --- lengths of attributes ---
 
-TEST(AttributeBounds, ALengthThatCannotBeEndsTheAttributes) {
+TEST(AttributeBounds, AnImpossibleLengthEndsTheAttributes) {
   // Behind the bad attribute's header there are 4 bytes of its own and 8 of the next.
   for (const int length : {0, 1, 2, 3, 17, 0x7FFF, 0x8000, 0xFFFC, 0xFFFD, 0xFFFE, 0xFFFF}) {
     const Attribute bad{IFA_LABEL, "eth0", static_cast<std::uint16_t>(length)};
@@ -118,7 +118,7 @@ TEST(AttributeBounds, TheNextAttributeBeginsAtAMultipleOfFour) {
   }
 }
 
-TEST(AttributeBounds, PaddingMayBeMissingBehindTheLastAttribute) {
+TEST(AttributeBounds, PaddingMayBeMissingAfterTheLastAttribute) {
   for (std::size_t size = 1; size < 5; ++size) {
     const Attribute other{IFA_CACHEINFO, std::string(size, 'x')};
     EXPECT_EQ(collect({withAttributes({addressAttribute("192.0.2.1"), other})}), goodAlone)
@@ -126,7 +126,7 @@ TEST(AttributeBounds, PaddingMayBeMissingBehindTheLastAttribute) {
   }
 }
 
-TEST(AttributeBounds, FewerBytesThanAHeaderBehindTheLastAttributeAreIgnored) {
+TEST(AttributeBounds, BytesTooFewForAHeaderAfterTheLastAttributeAreIgnored) {
   for (std::uint32_t size = 1; size < 4; ++size) {
     AddressMessage message = last;
     message.claimedLength = 32 + size;
@@ -135,7 +135,7 @@ TEST(AttributeBounds, FewerBytesThanAHeaderBehindTheLastAttributeAreIgnored) {
   }
 }
 
-TEST(AttributeBounds, AnAttributeTooShortForItsAddressCountsForNothing) {
+TEST(AttributeBounds, AnAttributeTooShortForAnAddressIsIgnored) {
   const std::vector<std::pair<std::uint8_t, std::string>> table{{AF_INET, "192.0.2.1"},
                                                                 {AF_INET6, "2001:db8::1"}};
   for (const auto& [family, address] : table) {
@@ -152,7 +152,7 @@ TEST(AttributeBounds, AnAttributeTooShortForItsAddressCountsForNothing) {
   }
 }
 
-TEST(AttributeBounds, OfAnAttributeLongerThanItsAddressTheFirstBytesCount) {
+TEST(AttributeBounds, TheFirstBytesOfALongAttributeAreTheAddress) {
   const Attribute address{IFA_ADDRESS, addressBytes("192.0.2.7") + "more"};
   const Attribute local{IFA_LOCAL, addressBytes("192.0.2.1") + "other bytes"};
   EXPECT_EQ(collect({withAttributes({address, local})}), goodAlone);
@@ -186,7 +186,7 @@ std::string anyInterface(unsigned index) {
   return "if" + std::to_string(index % 5);
 }
 
-TEST(RandomBytes, AreReadWithinTheirBoundsAndGiveOnlyAddresses) {
+TEST(RandomBytes, AreReadWithinBoundsAndYieldOnlyAddresses) {
   std::mt19937 random(20240229);
   std::size_t found = 0;
   for (int round = 0; round < 5000; ++round) {
@@ -206,7 +206,7 @@ TEST(RandomBytes, AreReadWithinTheirBoundsAndGiveOnlyAddresses) {
   EXPECT_GT(found, 200U);  // the rounds did reach the end of the road
 }
 
-TEST(RandomBytes, ThatReplaceSomeOfAGoodDatagramAreReadWithinItsBounds) {
+TEST(RandomBytes, InAGoodDatagramAreReadWithinBounds) {
   const std::string whole = datagramOf(
       {good,
        withAttributes({labelAttribute("eth0:web:2"),

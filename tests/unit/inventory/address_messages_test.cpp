@@ -77,7 +77,7 @@ TEST(AddressMessages, OnlyTheFamiliesOfInternetAddressesCount) {
   }
 }
 
-TEST(AddressMessages, TheTypeOfAMessageIsNotLookedAt) {
+TEST(AddressMessages, TheTypeOfAMessageIsIgnored) {
   for (const int type : {0, 1, 2, 3, 4, 16, 20, 21, 22, 24, 0xFFFF}) {
     AddressMessage message = ipv4("192.0.2.1");
     message.type = static_cast<std::uint16_t>(type);
@@ -85,7 +85,7 @@ TEST(AddressMessages, TheTypeOfAMessageIsNotLookedAt) {
   }
 }
 
-TEST(AddressMessages, IPv6AddressesMustBePermanentAndNotTemporaryIPv4FlagsAreIgnored) {
+TEST(AddressMessages, OnlyPermanentIPv6AddressesCountAndIPv4FlagsAreIgnored) {
   for (unsigned flags = 0; flags < 256; ++flags) {
     AddressMessage message4 = ipv4("192.0.2.1");
     AddressMessage message6 = ipv6("2001:db8::1");
@@ -105,7 +105,7 @@ TEST(AddressMessages, TheFlagsAttributeIsIgnored) {
   EXPECT_EQ(collect({kept, dropped}), onlyIPv6);
 }
 
-TEST(AddressMessages, OnlyUniverseScopeCountsAndOnRequestHostScope) {
+TEST(AddressMessages, OnlyUniverseScopeAndOnRequestHostScopeCount) {
   for (int scope = 0; scope < 256; ++scope) {
     for (AddressMessage message : {ipv4("192.0.2.1"), ipv6("2001:db8::1")}) {
       message.scope = static_cast<std::uint8_t>(scope);
@@ -116,7 +116,7 @@ TEST(AddressMessages, OnlyUniverseScopeCountsAndOnRequestHostScope) {
   }
 }
 
-TEST(AddressMessages, LoopbackIsToldByItsScopeNotByItsText) {
+TEST(AddressMessages, LoopbackIsRecognisedByItsScopeNotItsAddress) {
   AddressMessage loopback = onInterface(3, ipv4("127.0.0.1", "lo"));
   EXPECT_EQ(collect({loopback}), (AddressDump{{"lo", {.primaryIPv4 = {{"127.0.0.1", 24}}}}}));
 
@@ -132,7 +132,7 @@ TEST(AddressMessages, ASkippedMessageDoesNotEndTheDatagram) {
 
 // --- the name of the interface ---
 
-TEST(AddressMessages, AddressesAreFiledUnderTheNameOfTheIndexNotUnderTheLabel) {
+TEST(AddressMessages, TheIndexNamesTheInterfaceNotTheLabel) {
   EXPECT_EQ(collect({onInterface(2, ipv4("192.0.2.1", "eth0:1"))}),
             (AddressDump{{"eth1", {.aliases = {{"1", {"192.0.2.1", 24}}}}}}));
 }
@@ -158,7 +158,7 @@ std::vector<unsigned> askedFor(const std::vector<std::string>& datagrams) {
   return asked;
 }
 
-TEST(AddressMessages, TheNameIsAskedForOncePerRunOfEqualIndexes) {
+TEST(AddressMessages, TheNameIsLookedUpOncePerRunOfEqualIndexes) {
   const std::vector<std::string> datagrams{
       datagramOf({onInterface(7, ipv4("192.0.2.1")), onInterface(7, ipv6("2001:db8::1")),
                   onInterface(8, ipv4("192.0.2.2")), onInterface(7, ipv4("192.0.2.3"))}),
@@ -167,7 +167,7 @@ TEST(AddressMessages, TheNameIsAskedForOncePerRunOfEqualIndexes) {
   EXPECT_EQ(askedFor({datagramOf({onInterface(0, ipv4("192.0.2.1"))})}), std::vector<unsigned>{0});
 }
 
-TEST(AddressMessages, TheNameIsNotAskedForWhenTheAddressIsNotManaged) {
+TEST(AddressMessages, TheNameOfAnUnmanagedAddressIsNotLookedUp) {
   AddressMessage otherFamily = ipv4("192.0.2.1");
   otherFamily.family = AF_UNIX;
   AddressMessage otherScope = ipv4("192.0.2.1");
@@ -178,7 +178,7 @@ TEST(AddressMessages, TheNameIsNotAskedForWhenTheAddressIsNotManaged) {
             std::vector<unsigned>{});
 }
 
-TEST(AddressMessages, AnInterfaceWithoutANamePassesTheFailureOn) {
+TEST(AddressMessages, AFailedNameLookupIsPassedOn) {
   AddressMessage withoutAddress = ipv4("192.0.2.1");
   withoutAddress.attributes.clear();
   AddressMessage badAttribute = ipv4("192.0.2.1");
@@ -192,7 +192,7 @@ TEST(AddressMessages, AnInterfaceWithoutANamePassesTheFailureOn) {
 
 // --- the address ---
 
-TEST(AddressMessages, OnAPointToPointLinkTheLocalAddressCounts) {
+TEST(AddressMessages, TheLocalAddressOfAPointToPointLinkCounts) {
   const AddressMessage peer4{
       .prefixLength = 32,
       .attributes = {addressAttribute("192.0.2.2"), localAttribute("192.0.2.1")}};
@@ -235,7 +235,7 @@ TEST(AddressMessages, AttributesOfOtherTypesAreIgnored) {
   }
 }
 
-TEST(AddressMessages, AddressesAreTheTextsOfInetNtop) {
+TEST(AddressMessages, AddressesAreWrittenAsInetNtopWritesThem) {
   const std::vector<std::pair<std::string, std::string>> table{
       {"2001:0DB8:0:0:0:0:0:0010", "2001:db8::10"},
       {"2001:db8:0:1:0:0:0:1", "2001:db8:0:1::1"},
@@ -250,7 +250,7 @@ TEST(AddressMessages, AddressesAreTheTextsOfInetNtop) {
   }
 }
 
-TEST(AddressMessages, ThePrefixLengthIsTakenAsItIs) {
+TEST(AddressMessages, ThePrefixLengthIsNotChecked) {
   for (const int length : {0, 1, 32, 64, 128, 255}) {
     AddressMessage message4 = ipv4("192.0.2.1");
     AddressMessage message6 = ipv6("2001:db8::1");
@@ -270,7 +270,7 @@ TEST(AddressMessages, ALabelWithoutAColonIsPlain) {
   EXPECT_EQ(collect({{.attributes = {addressAttribute("192.0.2.1")}}}), plain) << "no label";
 }
 
-TEST(AddressMessages, TheSuffixIsTheLabelsTextAfterItsFirstColon) {
+TEST(AddressMessages, TheSuffixIsTheTextAfterTheFirstColonOfTheLabel) {
   const std::vector<std::pair<std::string, std::string>> table{
       {"eth0:1", "1"}, {"eth0:web:2", "web:2"}, {"eth0:", ""},
       {":1", "1"},     {"eth1:5", "5"},         {"eth0::", ":"}};
@@ -279,7 +279,7 @@ TEST(AddressMessages, TheSuffixIsTheLabelsTextAfterItsFirstColon) {
   }
 }
 
-TEST(AddressMessages, ALabelEndsAtItsNulOrWithItsAttribute) {
+TEST(AddressMessages, ALabelEndsAtItsNulOrAtTheEndOfItsAttribute) {
   const std::vector<std::pair<std::string, AddressDump>> table{
       {{'e', ':', '1', '\0', '2'}, alias("1")},
       {{'e', '\0', ':', '1', '\0'}, plain},
@@ -293,7 +293,7 @@ TEST(AddressMessages, ALabelEndsAtItsNulOrWithItsAttribute) {
   }
 }
 
-TEST(AddressMessages, TheOrderInWhichAliasesComeMakesNoDifference) {
+TEST(AddressMessages, AliasesAreSortedInWhateverOrderTheyCome) {
   const AliasMap expected{{"1", {"192.0.2.1", 24}},
                           {"10", {"192.0.2.10", 24}},
                           {"2", {"192.0.2.2", 24}},
@@ -314,7 +314,7 @@ TEST(AddressMessages, TheOrderInWhichAliasesComeMakesNoDifference) {
   EXPECT_EQ(orders, 120);
 }
 
-TEST(AddressMessages, OfTwoAddressesWithOneSuffixTheFirstStays) {
+TEST(AddressMessages, TheFirstOfTwoAddressesWithOneSuffixIsKept) {
   const std::string first = datagramOf({ipv4("192.0.2.1", "eth0:1"), ipv4("192.0.2.2", "eth0:1")});
   const std::string second = datagramOf({ipv4("192.0.2.3", "eth0:1")});
   EXPECT_EQ(collect({first, second}), alias("1"));
@@ -355,7 +355,7 @@ TEST(AddressMessages, TheAddressColonColonTwoIsNeverManaged) {
             eth0With({.ipv6 = {{"::3", 64}, {"::1:0:0:2", 64}, {"2::2", 64}, {"::22", 64}}}));
 }
 
-TEST(AddressMessages, ColonColonTwoIsJudgedAfterTheChoiceOfTheAddress) {
+TEST(AddressMessages, ColonColonTwoIsCheckedAfterTheLocalAddressIsPreferred) {
   AddressMessage own = ipv6("2001:db8::1");
   own.attributes.push_back(localAttribute("::2"));
   AddressMessage peer = ipv6("::2");
@@ -376,7 +376,7 @@ TEST(AddressMessages, AddressesAreAddedToWhatTheDumpHolds) {
 
 // --- the datagram as a whole ---
 
-TEST(ClassifyDatagram, IsDecidedByTheFirstMessageAlone) {
+TEST(ClassifyDatagram, DependsOnTheFirstMessageOnly) {
   const std::string address = datagramOf({ipv4("192.0.2.1", "eth0:12")});
   const std::string done = headerOnly(16, NLMSG_DONE);
   const std::string error = headerOnly(16, NLMSG_ERROR);
@@ -398,7 +398,7 @@ TEST(ClassifyDatagram, IsDecidedByTheFirstMessageAlone) {
   }
 }
 
-TEST(ClassifyDatagram, AFirstLengthThatCannotBeIsMalformed) {
+TEST(ClassifyDatagram, AnImpossibleFirstLengthIsMalformed) {
   const auto isMalformed = [](const std::string& bytes) {
     return classifyDatagram(ExactBytes(bytes).span()) == DatagramKind::Malformed;
   };

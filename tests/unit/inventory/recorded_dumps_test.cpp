@@ -87,7 +87,7 @@ AddressDump replay(const std::string& scene, bool includeHostScope = false) {
   return collect(recordedDatagrams(scene), includeHostScope, nameInScene);
 }
 
-TEST(RecordedDumps, EndWithADatagramOfTheirOwn) {
+TEST(RecordedDumps, EndWithASeparateDatagram) {
   for (const auto& [scene, size] :
        std::map<std::string, std::size_t>{{"fresh", 2}, {"varied", 2}, {"many", 4}}) {
     const auto datagrams = recordedDatagrams(scene);
@@ -106,7 +106,7 @@ TEST(RecordedDumps, AFreshMachineHasItsTwoAddresses) {
       (AddressDump{{"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}}, .ipv6 = {{"2001:db8::1", 64}}}}}));
 }
 
-TEST(RecordedDumps, WithHostScopeTheLoopbackAddressesAreThereToo) {
+TEST(RecordedDumps, AFreshMachineHasLoopbackWithHostScope) {
   EXPECT_EQ(replay("fresh", true),
             (AddressDump{
                 {"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}}, .ipv6 = {{"2001:db8::1", 64}}}},
@@ -133,7 +133,7 @@ TEST(RecordedDumps, AVariedMachineHasItsManagedAddresses) {
   EXPECT_EQ(replay("varied"), varied);
 }
 
-TEST(RecordedDumps, WithHostScopeAVariedMachineHasThoseToo) {
+TEST(RecordedDumps, AVariedMachineHasMoreWithHostScope) {
   AddressDump expected = varied;
   auto& eth0 = expected.at("eth0").primaryIPv4;
   eth0.insert(eth0.begin(), {"10.0.0.2", 32});
@@ -143,7 +143,7 @@ TEST(RecordedDumps, WithHostScopeAVariedMachineHasThoseToo) {
   EXPECT_EQ(replay("varied", true), expected);
 }
 
-TEST(RecordedDumps, ManyAddressesComeOverSeveralDatagrams) {
+TEST(RecordedDumps, ManyAddressesFillSeveralDatagrams) {
   InterfaceAddresses eth0{.primaryIPv4 = {{"192.0.2.1", 24}}};
   for (int n = 0; n < 150; ++n) {
     const std::string address = "10.2." + std::to_string(n / 100) + '.' + std::to_string(n % 100);
@@ -169,7 +169,7 @@ std::vector<std::size_t> messageEnds(const std::string& datagram) {
   return ends;
 }
 
-TEST(RecordedDumps, CutAtAnyLengthGiveTheMessagesThatAreWhole) {
+TEST(RecordedDumps, TruncatedDumpsYieldTheirWholeMessages) {
   for (const std::string scene : {"fresh", "varied"}) {
     for (const std::string& datagram : recordedDatagrams(scene)) {
       const auto ends = messageEnds(datagram);
@@ -200,7 +200,7 @@ AddressDump collectShortened(const std::string& message, std::size_t length) {
   return collect({cut}, true, nameInScene);
 }
 
-TEST(RecordedDumps, MessagesShortenedToAnyLengthGiveTheAttributesThatAreWhole) {
+TEST(RecordedDumps, TruncatedMessagesYieldTheirWholeAttributes) {
   const std::string datagram = recordedDatagrams("varied").front();
   const auto ends = messageEnds(datagram);
   for (std::size_t n = 1; n < ends.size(); ++n) {

@@ -12,7 +12,7 @@
 namespace addrtool::testing {
 namespace {
 
-TEST(InterfaceConfigPath, IsTheLabelBehindAFixedText) {
+TEST(InterfaceConfigPath, IsAFixedPrefixAndTheLabel) {
   const std::vector<std::pair<std::string, std::string>> table{
       {"eth0", "/etc/sysconfig/network-scripts/ifcfg-eth0"},
       {"eth0:1", "/etc/sysconfig/network-scripts/ifcfg-eth0:1"},
@@ -39,14 +39,14 @@ TEST(AliasContent, GivesDeviceAddressAndNetmask) {
             "DEVICE=\"eth0:1\"\nIPADDR=\"10.0.0.5\"\nNETMASK=\"255.255.255.0\"\n");
 }
 
-TEST(AliasContent, TakesThePrefixLength0For32) {
+TEST(AliasContent, TreatsPrefixLength0As32) {
   const std::string fullMask =
       "DEVICE=\"eth0:1\"\nIPADDR=\"10.0.0.5\"\nNETMASK=\"255.255.255.255\"\n";
   EXPECT_EQ(contentOf({"eth0:1", {"10.0.0.5", 0}}), fullMask);
   EXPECT_EQ(contentOf({"eth0:1", {"10.0.0.5", 32}}), fullMask);
 }
 
-TEST(AliasContent, InsertsItsValuesRaw) {
+TEST(AliasContent, WritesItsValuesWithoutEscaping) {
   EXPECT_EQ(contentOf({"e\"t$h%s", {" 010.0.0.05\"", 8}}),
             "DEVICE=\"e\"t$h%s\"\nIPADDR=\" 010.0.0.05\"\"\nNETMASK=\"255.0.0.0\"\n");
 }

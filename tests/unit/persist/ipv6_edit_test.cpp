@@ -130,7 +130,7 @@ TEST(IPv6Adding, PutsTheAddressFirstInTheList) {
   });
 }
 
-TEST(IPv6Adding, AnEmptyListIsKeptAndANewOneGoesToTheEnd) {
+TEST(IPv6Adding, AnEmptyListIsKeptAndANewListIsAppended) {
   for (const std::string list :
        {"IPV6ADDR_SECONDARIES=\n", "IPV6ADDR_SECONDARIES=\"\"\n", "IPV6ADDR_SECONDARIES=''\n",
         "IPV6ADDR_SECONDARIES= \t\n", "IPV6ADDR_SECONDARIES\n", "IPV6ADDR_SECONDARIES_X=\n"}) {
@@ -138,7 +138,7 @@ TEST(IPv6Adding, AnEmptyListIsKeptAndANewOneGoesToTheEnd) {
   }
 }
 
-TEST(IPv6Adding, OnlyAKeyAtTheStartOfALineCounts) {
+TEST(IPv6Adding, TheKeyMustStartTheLine) {
   for (const std::string line :
        {" IPV6ADDR_SECONDARIES=a/1\n", "#IPV6ADDR_SECONDARIES=a/1\n", "ipv6addr_secondaries=a/1\n",
         "IPV6ADDR_SECONDARIE=a/1\n", "IPV6ADDR=a\n", "export IPV6ADDR_SECONDARIES=a/1\n",
@@ -149,7 +149,7 @@ TEST(IPv6Adding, OnlyAKeyAtTheStartOfALineCounts) {
 
 // --- removing ----------------------------------------------------------------
 
-TEST(IPv6Removing, TakesTheAddressFromTheListOrReplacesThePrimary) {
+TEST(IPv6Removing, RemovesFromTheListOrReplacesThePrimary) {
   const std::vector<std::pair<std::string, std::vector<Row>>> table{
       // A secondary goes and the others keep their order.
       {"2001:db8::2",
@@ -192,7 +192,7 @@ TEST(IPv6Removing, TakesTheAddressFromTheListOrReplacesThePrimary) {
   for (const auto& [address, files] : table) expectRemoved(address, files);
 }
 
-TEST(IPv6Removing, TheWrittenFormDoesNotMatter) {
+TEST(IPv6Removing, AnySpellingOfTheAddressMatches) {
   for (const std::string address :
        {"2001:db8::2", "2001:DB8::2", "2001:0db8:0:0:0:0:0:0002", "2001:db8::0.0.0.2"}) {
     expectRemoved(address, {{"IPV6ADDR_SECONDARIES=2001:db8::3/64 2001:db8::2/64\n",
@@ -204,7 +204,7 @@ TEST(IPv6Removing, TheWrittenFormDoesNotMatter) {
   }
 }
 
-TEST(IPv6Removing, ThePrimaryIsReadWithoutItsQuotesBlanksAndPrefixLength) {
+TEST(IPv6Removing, QuotesBlanksAndPrefixLengthOfThePrimaryAreIgnored) {
   for (const std::string value :
        {"2001:db8::1/64\n", "2001:db8::1\n", "\"2001:db8::1/64\"\n", "'2001:db8::1/64'\n",
         " \t'\" 2001:db8::1 \"'\r\n", "2001:db8::1/64/x\n", "2001:db8::1/\n", "2001:db8::1"}) {
@@ -213,7 +213,7 @@ TEST(IPv6Removing, ThePrimaryIsReadWithoutItsQuotesBlanksAndPrefixLength) {
   }
 }
 
-TEST(IPv6Removing, APrimaryThatIsAnotherTextIsNotThePrimary) {
+TEST(IPv6Removing, OnlyTheExactPrimaryMatches) {
   for (const std::string value :
        {"2001:db8::1 /64", "\"2001:db8::1\"/64", "2001:db8::1\f", "\v2001:db8::1",
         "2001:db8::1%eth0", "/2001:db8::1", "", "::1", "x2001:db8::1", "2001:db8::1x"}) {
@@ -228,7 +228,7 @@ TEST(IPv6Removing, TheLastPrimaryLineDecides) {
   expectUntouched("2001:db8::1", {"IPV6ADDR=2001:db8::1/64\nIPV6ADDR=2001:db8::9/64\n"});
 }
 
-TEST(IPv6Removing, AnAddressThatIsNowhereOnlyRewritesTheLists) {
+TEST(IPv6Removing, AnUnknownAddressOnlyRewritesTheLists) {
   expectRemoved("2001:db8::7",
                 {{"IPV6ADDR=\"2001:db8::1/64\"\nIPV6ADDR_SECONDARIES='2001:DB8::2/064 a/64'\n",
                   "IPV6ADDR=\"2001:db8::1/64\"\nIPV6ADDR_SECONDARIES=\"2001:DB8::2/64 a/0\"\n"},
@@ -236,7 +236,7 @@ TEST(IPv6Removing, AnAddressThatIsNowhereOnlyRewritesTheLists) {
   expectUntouched("2001:db8::7", {"", "\n", "A=1\nIPV6ADDR=2001:db8::1/64\n"});
 }
 
-TEST(IPv6Removing, OnlyTheWholeKeyAtTheStartOfALineCounts) {
+TEST(IPv6Removing, TheWholeKeyMustStartTheLine) {
   expectUntouched("2001:db8::1",
                   {"IPV6ADDR_SECONDARIES_OLD=2001:db8::1/64\n", "IPV6ADDR_SECONDARIES\n",
                    "IPV6ADDR_SECONDARIES =2001:db8::1/64\n", " IPV6ADDR=2001:db8::1/64\n",
@@ -244,7 +244,7 @@ TEST(IPv6Removing, OnlyTheWholeKeyAtTheStartOfALineCounts) {
                    "IPV6ADDR =2001:db8::1/64\n", "IPV6ADDRESS=2001:db8::1/64\n"});
 }
 
-TEST(IPv6Removing, ATextThatIsNoAddressMatchesNothing) {
+TEST(IPv6Removing, AnInvalidAddressMatchesNothing) {
   for (const std::string address : {"", "junk", "192.0.2.1", "2001:db8::g", "2001:db8:::1"}) {
     expectUntouched(address, {"IPV6ADDR=" + address + "/64\n"});
     expectRemoved(address, {{"IPV6ADDR_SECONDARIES=" + address + "/64 a/1\n",
@@ -255,7 +255,7 @@ TEST(IPv6Removing, ATextThatIsNoAddressMatchesNothing) {
 
 // --- both --------------------------------------------------------------------
 
-TEST(IPv6Edits, FailWithAReportThatEndsInAnEarlierSystemError) {
+TEST(IPv6Edits, AFailureIsReportedWithTheErrorInErrno) {
   const std::string key = "IPV6ADDR_SECONDARIES";
   const std::string primary = "IPV6ADDR=2001:db8::1/64\n";
   const std::string cannotParse = ": cannot parse IPv6 address\n";
@@ -293,7 +293,7 @@ TEST(IPv6Edits, OtherLinesAreCopiedByteForByte) {
   expectAdded({{lines, lines + newList}});
 }
 
-TEST(IPv6Edits, ALongLineIsAsManyLinesAsItHasPiecesOf8095Bytes) {
+TEST(IPv6Edits, ALongLineIsReadInPiecesOf8095Bytes) {
   const std::string list = "IPV6ADDR_SECONDARIES=a/1\n";
   const std::string extendedList = "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 a/1\"\n";
   for (const std::size_t length : {8095U, 2 * 8095U}) {
@@ -309,13 +309,13 @@ TEST(IPv6Edits, ALongLineIsAsManyLinesAsItHasPiecesOf8095Bytes) {
   }
 }
 
-TEST(IPv6Edits, TheLineFeedBelongsToThePiece) {
+TEST(IPv6Edits, TheLineFeedCountsAsPartOfThePiece) {
   const std::string line = std::string(8094, 'x') + '\n';  // exactly one piece
   expectAdded({{line + "IPV6ADDR_SECONDARIES=a/1\n",
                 line + "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 a/1\"\n"}});
 }
 
-TEST(IPv6Edits, AListLongerThanAPieceIsCutInTwo) {
+TEST(IPv6Edits, AListLongerThanAPieceIsSplit) {
   std::string piece = "IPV6ADDR_SECONDARIES=2001:db8::2/64";
   piece.resize(8095, ' ');
   expectAdded({{piece + "2001:db8::3/64\nA=1\n",
@@ -341,7 +341,7 @@ std::FILE* openFailing(std::string& text) {
   return fopencookie(&text, "r", functions);
 }
 
-TEST(IPv6Edits, AReadErrorFailsWithoutAWord) {
+TEST(IPv6Edits, AReadErrorFailsSilently) {
   for (const FileWriter writer : {copyWithIPv6, copyWithoutIPv6}) {
     for (std::string text : {"", "A=1\n", "A=1\nB", "IPV6ADDR=2001:db8::5/64\n",
                              "IPV6ADDR_SECONDARIES=a/1\nIPV6ADDR_SECONDARIES=b/1 cut"}) {
@@ -359,7 +359,7 @@ TEST(IPv6Edits, AReadErrorFailsWithoutAWord) {
   }
 }
 
-TEST(IPv6Edits, AWriteErrorIsNotNoticed) {
+TEST(IPv6Edits, AWriteErrorIsIgnored) {
   for (const FileWriter writer : {copyWithIPv6, copyWithoutIPv6}) {
     const TemporaryDirectory directory;
     writeFile(directory / "old", "A=1\nIPV6ADDR_SECONDARIES=a/1\n");

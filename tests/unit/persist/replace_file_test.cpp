@@ -99,7 +99,7 @@ TEST_F(ReplaceFile, TheWriterTurnsTheOldContentIntoTheNew) {
   EXPECT_EQ(script.calls, 2);
 }
 
-TEST_F(ReplaceFile, AMissingTargetIsMadeFromNothingAndReadableByAll) {
+TEST_F(ReplaceFile, AMissingTargetIsCreatedReadableByAll) {
   const mode_t before = umask(077);
   EXPECT_EQ(replace(target, script, 0), 0);
   umask(before);
@@ -109,7 +109,7 @@ TEST_F(ReplaceFile, AMissingTargetIsMadeFromNothingAndReadableByAll) {
   EXPECT_EQ(modeOf(target), 0644U);
 }
 
-TEST_F(ReplaceFile, AMissingTargetThatMustExistIsNotMade) {
+TEST_F(ReplaceFile, AMissingTargetThatMustExistIsNotCreated) {
   for (const int mustExist : {1, 2, -1}) {
     EXPECT_EQ(replace(target, script, mustExist), -1);
     EXPECT_EQ(errno, ENOENT);
@@ -154,7 +154,7 @@ TEST_F(ReplaceFile, TheLastOfTwoReplacementsWins) {
   expectOnlyTarget("last\n");
 }
 
-TEST_F(ReplaceFile, TheModeIsKeptWithSetIdAndStickyBits) {
+TEST_F(ReplaceFile, TheModeIsKeptIncludingSetIdAndStickyBits) {
   // The change of owner takes set-id bits away, so these show that the mode is set after it.
   for (const mode_t mode : {0600U, 0644U, 0000U, 0777U, 04755U, 02755U, 06711U, 01644U, 07777U}) {
     writeFile(target, "old\n");
@@ -166,7 +166,7 @@ TEST_F(ReplaceFile, TheModeIsKeptWithSetIdAndStickyBits) {
   }
 }
 
-TEST_F(ReplaceFile, ALinkIsReplacedByAFileWithTheModeOfTheLinkedOne) {
+TEST_F(ReplaceFile, ALinkIsReplacedByAFileWithTheModeOfItsTarget) {
   writeFile(directory / "linked", "old\n");
   ASSERT_EQ(chmod((directory / "linked").c_str(), 0640), 0);
   fs::create_symlink("linked", target);
@@ -192,7 +192,7 @@ TEST_F(ReplaceFile, ALinkToNothingOrToItselfIsAMissingTarget) {
   }
 }
 
-TEST_F(ReplaceFile, AWritersFailureIsTheResultAndLeavesNoTrace) {
+TEST_F(ReplaceFile, AFailedWriterIsReportedAndChangesNothing) {
   script.result = 5;
   EXPECT_EQ(replace(target, script, 0), 5);
   EXPECT_EQ(script.calls, 1);
@@ -205,7 +205,7 @@ TEST_F(ReplaceFile, AWritersFailureIsTheResultAndLeavesNoTrace) {
   }
 }
 
-TEST_F(ReplaceFile, AMissingDirectoryFailsWithTheSystemsError) {
+TEST_F(ReplaceFile, AMissingDirectoryFailsWithItsErrno) {
   EXPECT_EQ(replace(directory / "missing" / "target", script, 0), -1);
   EXPECT_EQ(errno, ENOENT);
   EXPECT_EQ(script.calls, 0);
@@ -216,7 +216,7 @@ TEST_F(ReplaceFile, AMissingDirectoryFailsWithTheSystemsError) {
   EXPECT_EQ(script.calls, 0);
 }
 
-TEST_F(ReplaceFile, ATargetThatCannotBeReadIsWrittenFromNothingWithItsMode) {
+TEST_F(ReplaceFile, ATargetThatCannotBeOpenedIsRewrittenWithItsMode) {
   makeSocket(target);
   ASSERT_EQ(chmod(target.c_str(), 0640), 0);
   EXPECT_EQ(replace(target, script, 0), 0);
@@ -227,7 +227,7 @@ TEST_F(ReplaceFile, ATargetThatCannotBeReadIsWrittenFromNothingWithItsMode) {
   EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
 }
 
-TEST_F(ReplaceFile, ATargetThatMayNotBeReadIsWrittenFromNothingWithItsMode) {
+TEST_F(ReplaceFile, ATargetWithoutReadPermissionIsRewrittenWithItsMode) {
   writeFile(target, "old\n");
   ASSERT_EQ(chmod(target.c_str(), 0), 0);
   const auto replaceWithoutPrivileges = [this] {
@@ -242,7 +242,7 @@ TEST_F(ReplaceFile, ATargetThatMayNotBeReadIsWrittenFromNothingWithItsMode) {
   EXPECT_EQ(readFile(target), "new\n");
 }
 
-TEST_F(ReplaceFile, ATargetThatMustExistAndCannotBeReadLeavesTheTemporaryFile) {
+TEST_F(ReplaceFile, ARequiredTargetThatCannotBeOpenedLeavesTheTemporaryFile) {
   makeSocket(target);
   for (const int mustExist : {1, 2, -1}) {
     EXPECT_EQ(replace(target, script, mustExist), -1);
@@ -283,7 +283,7 @@ TEST_F(ReplaceFile, OwnerAndModeAreSetAfterBothClosesEvenIfTheWriterFails) {
   }
 }
 
-TEST_F(ReplaceFile, ADirectoryInItsPlaceFailsAtTheRenameAndLeavesTheTemporaryFile) {
+TEST_F(ReplaceFile, ADirectoryAsTargetFailsAtRenameAndLeavesTheTemporaryFile) {
   fs::create_directory(target);
   EXPECT_EQ(replace(target, script, 0), -1);
   EXPECT_EQ(errno, EISDIR);
@@ -295,7 +295,7 @@ TEST_F(ReplaceFile, ADirectoryInItsPlaceFailsAtTheRenameAndLeavesTheTemporaryFil
   EXPECT_EQ(modeOf(leftover()), modeOf(target));
 }
 
-TEST_F(ReplaceFile, ADescriptorThatBecomesNoStreamStaysOpenWithItsFile) {
+TEST_F(ReplaceFile, AFailedFdopenLeaksTheDescriptorAndTheFile) {
   writeFile(target, "old\n");
   const int nextDescriptor = dup(STDIN_FILENO);
   close(nextDescriptor);
@@ -327,14 +327,14 @@ TEST_F(ReplaceFile, AFailedChangeOfOwnerOrModeIsIgnored) {
   }
 }
 
-TEST_F(ReplaceFile, AFailureToCloseHidesNoOther) {
+TEST_F(ReplaceFile, AFailedCloseKeepsTheErrnoOfTheFirstFailure) {
   makeSocket(target);
   const FailingCall failing(Call::Fclose, ENOSPC);
   EXPECT_EQ(replace(target, script, 1), -1);
   EXPECT_EQ(errno, ENXIO);
 }
 
-TEST_F(ReplaceFile, AWriteErrorThatShowsAtCloseIsNotNoticed) {
+TEST_F(ReplaceFile, AWriteErrorAtCloseIsIgnored) {
   writeFile(target, "old\n");
   const Outcome outcome = runInChild([this] {
     std::signal(SIGXFSZ, SIG_IGN);
@@ -346,7 +346,7 @@ TEST_F(ReplaceFile, AWriteErrorThatShowsAtCloseIsNotNoticed) {
   expectOnlyTarget("");
 }
 
-TEST_F(ReplaceFile, NoDescriptorStaysOpen) {
+TEST_F(ReplaceFile, EveryDescriptorIsClosedAfterwards) {
   const auto openDescriptors = [] { return listDirectory("/proc/self/fd").size(); };
   const std::size_t before = openDescriptors();
   EXPECT_EQ(replace(target, script, 0), 0);
@@ -369,7 +369,7 @@ std::string makeLongPath(const fs::path& base, std::size_t length) {
   return path + '/' + std::string(length - path.size() - 1, 'f');
 }
 
-TEST_F(ReplaceFile, APathMayHave4088Bytes) {
+TEST_F(ReplaceFile, APathHasAtMost4088Bytes) {
   const std::string longest = makeLongPath(directory.path(), 4088);
   ASSERT_EQ(longest.size(), 4088U);
   EXPECT_EQ(replace(longest, script, 0), 0);

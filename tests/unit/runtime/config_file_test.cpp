@@ -152,7 +152,7 @@ TEST_F(ConfigFile, ANameMustBeFollowedByWhiteSpaceAndAValue) {
   }
 }
 
-TEST_F(ConfigFile, ABadLineDoesNotStopTheReadingAndTheTableIsSortedInTheEnd) {
+TEST_F(ConfigFile, ABadLineIsSkippedAndTheTableIsSortedAtTheEnd) {
   EXPECT_EQ(readText("B 1\nB=2\nC\nE 2\n# D 4\nA 5\nB 3\nB=4\nB"), 0);
   EXPECT_EQ(table->sorted, 1);
   EXPECT_EQ(definitions(), (Definitions{{"A", "5"}, {"B", "3"}, {"E", "2"}}));
@@ -160,7 +160,7 @@ TEST_F(ConfigFile, ABadLineDoesNotStopTheReadingAndTheTableIsSortedInTheEnd) {
             (Log{noSpace("B=2\n"), noValue("C\n"), noSpace("B=4\n"), noSpace("B")}));
 }
 
-TEST_F(ConfigFile, AnEmptyFileGivesAnEmptyTableWithRoom) {
+TEST_F(ConfigFile, AnEmptyFileGivesAnEmptyTableWithFreeSlots) {
   EXPECT_EQ(readText(""), 0);
   EXPECT_EQ(table->count, 0U);
   EXPECT_EQ(table->capacity, 20U);
@@ -199,7 +199,7 @@ TEST_F(ConfigFile, ALineEndsAtANulByte) {
   EXPECT_EQ(definitions(), (Definitions{{"A", "1"}, {"B", "2"}}));
 }
 
-TEST_F(ConfigFile, EveryByteMayStandAnywhere) {
+TEST_F(ConfigFile, AnyByteIsAcceptedAnywhere) {
   for (int byte = 0; byte < 256; ++byte) {
     std::string text =
         "@\n@NAME value\nNA@ME value\nNAME@value\nNAME @value\nNAME val@ue\nNAME value@\nLAST 1\n";
@@ -218,7 +218,7 @@ TEST_F(ConfigFile, AFileCutAtAnyLengthIsRead) {
   }
 }
 
-TEST_F(ConfigFile, AFileThatCannotBeOpenedFailsWithItsError) {
+TEST_F(ConfigFile, AFileThatCannotBeOpenedFailsWithItsErrno) {
   writeFile(directory / "file", "");
   std::filesystem::create_symlink("loop", directory / "loop");
   struct Row {
@@ -275,7 +275,7 @@ TEST_F(ConfigFile, AReadErrorKeepsItsErrnoWhenAPartialLineIsLogged) {
       (Log{noSpace("B=2"), {12, "Unable to read configuration file: Interrupted system call"}}));
 }
 
-TEST_F(ConfigFile, AFailureToCloseHidesNoOther) {
+TEST_F(ConfigFile, AFailedCloseKeepsTheErrnoOfTheFirstFailure) {
   const FailingCall failing(Call::Fclose, ENOSPC);
   EXPECT_EQ(readPath(directory.path()), -1);
   EXPECT_EQ(errno, EISDIR);
@@ -295,7 +295,7 @@ TEST_F(ConfigFile, AFailedReadSortsTheTableAndAFailedStoreDoesNot) {
   EXPECT_EQ(definitions(), (Definitions{{"B", "1"}, {"A", "2"}}));
 }
 
-TEST_F(ConfigFile, MemoryMayRunOutAnywhere) {
+TEST_F(ConfigFile, EveryFailedAllocationFailsTheReading) {
   std::string text;
   for (int i = 0; i < 21; ++i) text += "NAME_" + std::to_string(i) + " value\n";
   EXPECT_EQ(readText(text), 0);
@@ -322,7 +322,7 @@ TEST_F(ConfigFile, MemoryMayRunOutAnywhere) {
   EXPECT_EQ(definitions(), all);
 }
 
-TEST_F(ConfigFile, NoDescriptorIsLeftOpen) {
+TEST_F(ConfigFile, EveryDescriptorIsClosed) {
   const std::size_t before = openDescriptors();
   readText("A 1\n");
   readPath(directory / "missing");
@@ -341,7 +341,7 @@ TEST_F(ConfigFile, ReadingAddsToTheTable) {
   EXPECT_EQ(definitions(), (Definitions{{"A", "4"}, {"B", "2"}, {"C", "3"}}));
 }
 
-TEST(ConfigFileLog, IsSilentWithTheSettingsOfAStart) {
+TEST(ConfigFileLog, IsSilentWithTheDefaultSettings) {
   const TemporaryDirectory directory;
   writeFile(directory / "kel.conf", "NAME=value\nNAME\n");
   EXPECT_EQ(runInChild([&] {

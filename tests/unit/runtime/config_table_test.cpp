@@ -57,7 +57,7 @@ bool isFreeBeyondCount(const Table& table) {
   return true;
 }
 
-TEST(GrowConfig, FirstUseTakesTwentySlots) {
+TEST(GrowConfig, FirstUseAllocatesTwentySlots) {
   const Table table = makeTable();
   table->count = 5;
   table->capacity = 7;
@@ -69,7 +69,7 @@ TEST(GrowConfig, FirstUseTakesTwentySlots) {
   EXPECT_TRUE(isFreeBeyondCount(table));
 }
 
-TEST(GrowConfig, FirstUseWithoutMemoryFailsSilently) {
+TEST(GrowConfig, OutOfMemoryAtFirstUseFailsSilently) {
   const LogRecorder log;
   const Table table = makeTable();
   table->capacity = 7;
@@ -84,7 +84,7 @@ TEST(GrowConfig, FirstUseWithoutMemoryFailsSilently) {
   }
 }
 
-TEST(GrowConfig, ATableWithAFreeSlotStays) {
+TEST(GrowConfig, ATableWithAFreeSlotDoesNotGrow) {
   const Table table = makeTable();
   fill(table, 19);
   const FailingAllocations failing(1);
@@ -105,7 +105,7 @@ TEST(GrowConfig, AFullTableDoublesAndClearsTheNewSlots) {
   }
 }
 
-TEST(GrowConfig, WithoutMemoryFailsAndSaysSo) {
+TEST(GrowConfig, OutOfMemoryIsLogged) {
   const LogRecorder log;
   const Table table = makeTable();
   fill(table, 20);
@@ -120,7 +120,7 @@ TEST(GrowConfig, WithoutMemoryFailsAndSaysSo) {
   }
 }
 
-TEST(GrowConfig, GivesUpBeyondTheLargestCapacityWithoutAskingForMemory) {
+TEST(GrowConfig, FailsAboveTheLargestCapacityWithoutAllocating) {
   // Tables that only say they are this full; what memory is asked for is refused.
   struct Row {
     std::uint32_t capacity;
@@ -145,7 +145,7 @@ TEST(GrowConfig, GivesUpBeyondTheLargestCapacityWithoutAskingForMemory) {
   }
 }
 
-TEST(GrowConfig, WhereDoublingIsTooLittleTwentyMoreThanTheEntriesAreTaken) {
+TEST(GrowConfig, GrowsToTheEntriesPlusTwentyIfDoublingIsTooLittle) {
   // The second table is still full afterwards: 2 * 10 is not less than 20.
   for (const auto& [count, capacity, grown] : {std::tuple(5U, 2U, 25U), {20U, 10U, 20U}}) {
     const Table table = makeTable();
@@ -167,7 +167,7 @@ TEST(SetConfigEntry, StoresCopies) {
   EXPECT_EQ(find(table, "xAME"), "(null)");
 }
 
-TEST(SetConfigEntry, TheLastDefinitionOfAWholeNameWins) {
+TEST(SetConfigEntry, TheLastDefinitionOfANameWins) {
   const Table table = makeTable();
   for (const auto& [name, value] : std::vector<std::pair<const char*, const char*>>{
            {"NAME", "1"}, {"NAM", "2"}, {"NAME", "3"}, {"NAM", ""}, {"NAME", "4"}, {"name", "5"}}) {
@@ -179,7 +179,7 @@ TEST(SetConfigEntry, TheLastDefinitionOfAWholeNameWins) {
   EXPECT_EQ(find(table, "name"), "5");
 }
 
-TEST(SetConfigEntry, OnlyANewNameEndsTheOrder) {
+TEST(SetConfigEntry, OnlyANewNameClearsTheSortedFlag) {
   const Table table = makeTable();
   EXPECT_EQ(setConfigEntry(table.get(), "A", "1"), 0);
   EXPECT_EQ(table->sorted, 0);
@@ -190,7 +190,7 @@ TEST(SetConfigEntry, OnlyANewNameEndsTheOrder) {
   EXPECT_EQ(table->sorted, 0);
 }
 
-TEST(SetConfigEntry, AFullTableNeedsRoomEvenForAKnownName) {
+TEST(SetConfigEntry, AFullTableGrowsEvenForAKnownName) {
   const Table table = makeTable();
   fill(table, 20);
   EXPECT_EQ(setConfigEntry(table.get(), nameOf(3).c_str(), "new"), 0);
@@ -198,7 +198,7 @@ TEST(SetConfigEntry, AFullTableNeedsRoomEvenForAKnownName) {
   EXPECT_EQ(table->capacity, 40U);
 }
 
-TEST(SetConfigEntry, WithoutMemoryForACopyFailsAndKeepsTheTable) {
+TEST(SetConfigEntry, OutOfMemoryForACopyKeepsTheTable) {
   const LogRecorder log;
   const Table table = makeTable();
   EXPECT_EQ(setConfigEntry(table.get(), "A", "1"), 0);
@@ -251,7 +251,7 @@ TEST(FindConfigEntry, FindsEveryNameAndNoOther) {
   }
 }
 
-TEST(FindConfigEntry, HalvesASortedTableAndWalksAnUnsortedOne) {
+TEST(FindConfigEntry, UsesBinarySearchOnlyInASortedTable) {
   const Table table = makeTable();
   for (const char* const name : {"C", "B", "A"}) {
     EXPECT_EQ(setConfigEntry(table.get(), name, name), 0);
@@ -265,7 +265,7 @@ TEST(FindConfigEntry, HalvesASortedTableAndWalksAnUnsortedOne) {
   EXPECT_EQ(table->count, 3U);
 }
 
-TEST(FreeConfig, TakesATableInAnyState) {
+TEST(FreeConfig, AcceptsATableInAnyState) {
   freeConfig(nullptr);
   freeConfig(makeTable().release());  // never used
 

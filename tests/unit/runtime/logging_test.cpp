@@ -28,7 +28,7 @@ Outcome onBothStreams(const std::string& text) {
   return {0, 0, text, text};
 }
 
-TEST(LogSettings, AtStartAreTheConsoleUpToInformation) {
+TEST(LogSettings, DefaultToTheConsoleAndLevelInfo) {
   EXPECT_EQ(logTarget, nullptr);
   EXPECT_EQ(logThreshold, 6);
   EXPECT_EQ(logEnabled, 1);
@@ -43,7 +43,7 @@ TEST(ConsoleLog, PrintsFormattedLinesOnBothStreams) {
   EXPECT_EQ(runInChild([] { logMessage(3, "text\n"); }), onBothStreams("text\n\n"));
 }
 
-TEST(ConsoleLog, PrintsPrioritiesUpToTheThresholdComparedWhole) {
+TEST(ConsoleLog, PrintsPrioritiesUpToTheThresholdIncludingFacilityBits) {
   // 12 is a mere warning (4) with the user facility (8), and yet above the threshold.
   for (const int priority : {-1, 0, 3, 6}) {
     EXPECT_EQ(runInChild([&] { logMessage(priority, "text"); }), onBothStreams("text\n"))
@@ -55,7 +55,7 @@ TEST(ConsoleLog, PrintsPrioritiesUpToTheThresholdComparedWhole) {
   }
 }
 
-TEST(ConsoleLog, TheThresholdCanBeMoved) {
+TEST(ConsoleLog, TheThresholdCanBeChanged) {
   const auto logTwo = [](int threshold) {
     return runInChild([threshold] {
       logThreshold = threshold;
@@ -128,7 +128,7 @@ void expectInChild(const std::function<std::vector<bool>()>& check) {
             silentSuccess);
 }
 
-TEST(InitLogging, WithATargetTheConsoleIsTheSink) {
+TEST(InitLogging, SelectsTheConsoleIfThereIsATarget) {
   for (const char* const target : {"console", "stderr", "nowhere"}) {
     expectInChild([target] {
       logMessage = syslog;
@@ -147,7 +147,7 @@ TEST(InitLogging, WithATargetTheConsoleIsTheSink) {
   }
 }
 
-TEST(InitLogging, WithoutATargetSyslogIsTheSink) {
+TEST(InitLogging, SelectsSyslogWithoutATarget) {
   expectInChild([] {
     logTarget = "console";
     initLogging(nullptr, 4, LOG_LOCAL1, 0, "ident");
@@ -157,7 +157,7 @@ TEST(InitLogging, WithoutATargetSyslogIsTheSink) {
   });
 }
 
-TEST(SetLogLevel, SetsTheThresholdAndBelowOneDisables) {
+TEST(SetLogLevel, SetsTheThresholdAndDisablesBelow1) {
   constexpr int lowest = -2147483647 - 1;
   constexpr int highest = 2147483647;
   struct Row {
@@ -184,7 +184,7 @@ TEST(SetLogLevel, SetsTheThresholdAndBelowOneDisables) {
   }
 }
 
-TEST(SetLogLevel, WithoutATargetSyslogsMaskReachesUpToTheLevel) {
+TEST(SetLogLevel, SetsTheSyslogMaskOnlyWithoutATarget) {
   // A mask of no priorities at all changes nothing, so negative levels leave the mask alone.
   const std::vector<std::pair<int, int>> table{
       {0, 0x1},         {1, 0x3},         {3, 0xf},

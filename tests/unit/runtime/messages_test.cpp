@@ -41,7 +41,7 @@ Outcome reportShortOfMemory(int error, const std::string& text, int first, int l
   });
 }
 
-TEST(PrintMessage, EndsAMessageWithANewlineUnlessItBringsOne) {
+TEST(PrintMessage, EndsAMessageWithOneNewline) {
   const std::vector<std::pair<const char*, const char*>> table{
       {"text", "text\n"}, {"text\n", "text\n"}, {"two\nlines", "two\nlines\n"},
       {"a\n\n", "a\n\n"}, {"\n", "\n"},         {"%s %n", "%s %n\n"}};
@@ -57,7 +57,7 @@ TEST(PrintMessage, AnEmptyMessageIsALoneNewline) {
   EXPECT_EQ(runInChild([&] { printMessage(&text[1], 0, 1); }), onBothStreams("\n"));
 }
 
-TEST(PrintMessage, AnyStatusButZeroEndsTheProcessWhateverTheFlag) {
+TEST(PrintMessage, ANonZeroStatusEndsTheProcessWhateverTheFlag) {
   for (const int flag : {0, 1, -1}) {
     EXPECT_EQ(runInChild([&] { std::exit(printMessage("text", 0, flag) == 0 ? 7 : 8); }),
               onBothStreams("text\n", 7));
@@ -143,7 +143,7 @@ TEST(ReportMessage, AddsTheSystemErrorInErrnoOnALineOfItsOwn) {
   }
 }
 
-TEST(ReportMessage, TextsOfAnyLengthArePrintedWhole) {
+TEST(ReportMessage, TextsOfAnyLengthArePrinted) {
   for (const std::size_t length : {0U, 1U, 4094U, 4095U, 4096U, 4097U, 5000U, 1000000U}) {
     const std::string text(length, 'x');
     EXPECT_EQ(reportWithErrno(0, text), onBothStreams(text + "\n")) << "for length " << length;
@@ -165,7 +165,7 @@ TEST(ReportMessage, OnlyASystemErrorThatFitsTheBufferIsPrinted) {
   }
 }
 
-TEST(ReportMessage, ALongTextIsCutWhereTheBufferCannotGrow) {
+TEST(ReportMessage, ALongTextIsTruncatedIfTheBufferCannotGrow) {
   const std::string kept(4095, 'x');
   for (const std::size_t length : {4096U, 4097U, 5000U}) {
     const std::string text(length, 'x');
@@ -175,7 +175,7 @@ TEST(ReportMessage, ALongTextIsCutWhereTheBufferCannotGrow) {
   }
 }
 
-TEST(ReportMessage, TheSystemErrorIsCutWhereTheBufferCannotGrow) {
+TEST(ReportMessage, TheSystemErrorIsTruncatedIfTheBufferCannotGrow) {
   for (const std::size_t length : {4070U, 4090U, 4094U, 4095U}) {
     const std::string text(length, 'x');
     EXPECT_EQ(reportShortOfMemory(13, text, 2, 2),
@@ -187,7 +187,7 @@ TEST(ReportMessage, TheSystemErrorIsCutWhereTheBufferCannotGrow) {
   EXPECT_EQ(reportShortOfMemory(13, text, 3, 3), onBothStreams(text + "\n"));
 }
 
-TEST(ReportMessage, NoMemoryAtAllGivesAFixedText) {
+TEST(ReportMessage, OutOfMemoryPrintsAFixedText) {
   const std::string fixed = "Can't allocate memory for error message\n";
   for (const auto& [status, end] : {std::pair(0, 9), std::pair(5, 5)}) {
     EXPECT_EQ(runInChild([asked = status] {
@@ -200,7 +200,7 @@ TEST(ReportMessage, NoMemoryAtAllGivesAFixedText) {
   }
 }
 
-TEST(ReportMessage, FormattingHasNoInfluenceOnErrno) {
+TEST(ReportMessage, FormattingDoesNotChangeErrno) {
   // The C locale has no form for this character: formatting fails and sets errno to EILSEQ.
   const auto reportUnprintable = [](int error) {
     return runInChild([&] {
@@ -243,7 +243,7 @@ TEST(CheckRequiredParameter, APresentOneWithoutAValueEndsTheProgram) {
   }
 }
 
-TEST(ReallocOrDie, GivesMemoryThatKeepsItsContents) {
+TEST(ReallocOrDie, KeepsTheContents) {
   auto* text = static_cast<char*>(reallocOrDie(nullptr, 4));
   text[0] = 'a';
   text = static_cast<char*>(reallocOrDie(text, 100000));
@@ -252,7 +252,7 @@ TEST(ReallocOrDie, GivesMemoryThatKeepsItsContents) {
   std::free(text);
 }
 
-TEST(ReallocOrDie, ReportsTheSizeAndEnds) {
+TEST(ReallocOrDie, ReportsTheSizeAndExits) {
   EXPECT_EQ(runInChild([] {
               const FailingAllocations failing(1);
               reallocOrDie(nullptr, 640);

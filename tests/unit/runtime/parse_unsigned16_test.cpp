@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint16_t untouched = 4711;
 
-TEST(ParseUnsigned16, TakesDigitsWithWhiteSpaceAndOnePlus) {
+TEST(ParseUnsigned16, AcceptsDigitsWithWhiteSpaceAndOnePlus) {
   const std::vector<std::pair<std::string, std::uint16_t>> table{
       {"0", 0},          {"64", 64},         {"128", 128},
       {"9", 9},          {"65535", 65535},   {"0000000000000000000065535", 65535},
@@ -43,7 +43,7 @@ TEST(ParseUnsigned16, RefusesEverythingElse) {
   }
 }
 
-TEST(ParseUnsigned16, NumbersAbove65535AreOutOfRangeWhateverFollows) {
+TEST(ParseUnsigned16, ReportsERANGEAbove65535WhateverFollows) {
   for (const std::string text : {"65536", "65540", "99999", "100000", "4294967296", "4294967297",
                                  "18446744073709551617", "65536x", "655360", "+65536", " 70000 "}) {
     std::uint16_t value = untouched;
@@ -54,7 +54,7 @@ TEST(ParseUnsigned16, NumbersAbove65535AreOutOfRangeWhateverFollows) {
   }
 }
 
-TEST(ParseUnsigned16, ANumberOfAMillionDigitsEndsTheSameWay) {
+TEST(ParseUnsigned16, AcceptsOrRefusesAMillionDigitsTheSameWay) {
   std::uint16_t value = untouched;
   EXPECT_EQ(parseUnsigned16(std::string(1000000, '9').c_str(), &value), -1);
   EXPECT_EQ(parseUnsigned16((std::string(1000000, '0') + "8").c_str(), &value), 0);
