@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Starts several adds and deletes at once, as a panel may, and looks for torn files.
+"""Runs several adds and deletes at the same time, as a panel may, and looks for torn files.
 
 Runs inside scripts/sandbox. There is no lock, so changes do get lost; what may be
 lost is written down here as one rule for each kind of round:
@@ -41,8 +41,8 @@ AT_ONCE = 8  # processes of a round
 READERS = 2
 TIMEOUT_SECONDS = 30
 
-# Lines that no edit may touch, before and behind those that the edits write. There are so many
-# that an edit takes many reads and writes, which gives the others time to come between.
+# No edit may change these lines, which surround the edited ones. There are enough of them to make
+# an edit need many reads and writes, so that other processes can interleave.
 FOREIGN_LINES = [
     "# first",
     "DEVICE=eth0",
@@ -120,14 +120,15 @@ class State:
 
 
 def write_whole(path, text):
-    """The readers look on, so a file appears at once."""
+    """Renames the file into place, so that a reader never sees a part of it."""
     new = SCRIPTS.parent / "new"
     new.write_text(text)
     new.rename(path)
 
 
 def start_over(aliases, ipv6):
-    """The main addresses, and so many aliases and secondary IPv6 addresses, in both places."""
+    """Sets the main addresses and that many aliases and secondary IPv6 addresses, in the kernel and
+    in the files."""
     for path in SCRIPTS.iterdir():
         if path != INTERFACE_FILE:
             path.unlink()
@@ -145,7 +146,7 @@ def start_over(aliases, ipv6):
 
 
 def run_at_once(commands):
-    """Starts all, then waits for all; gives (command, status, stderr) of each."""
+    """Starts all commands, then waits for all. Returns (command, process, stderr) of each."""
     started = [
         (
             command,
@@ -273,7 +274,7 @@ class Round:
 
 
 def try_rounds(rounds, seed):
-    """The number of failed rounds; prints the figures of each kind."""
+    """Returns the number of failed rounds. Prints the figures of each kind."""
     failed = 0
     for kind in (Round.adds, Round.deletes, Round.mixed):
         played = Round(random.Random(seed))

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Lets every system call of addrtool fail, and kills it at each of them, in whole runs.
+"""Makes each system call of addrtool fail in turn, and kills addrtool at each of them.
 
 Runs inside scripts/sandbox. For each scenario a run without a fault gives the
 list of the program's own system calls and the two states, before and after;
@@ -38,13 +38,13 @@ ERRORS = ["EINTR", "EIO", "ENOMEM", "ENOSPC"]
 KILL = "KILL"
 TIMEOUT_SECONDS = 20
 
-# The begin and the end of every process; there is no program around them that could fail.
+# The start and the end of every process. Their failure cannot be handled.
 NOT_INJECTED = {"execve", "exit_group"}
 
-# The C library ends the process where the kernel refuses these, which it does not do by itself.
+# The C library aborts if these fail. The kernel never refuses them.
 FATAL_IN_THE_C_LIBRARY = {"futex"}
 
-# The program's first call of its own; what comes before it is the C library's start.
+# The first call of the program itself. The C library makes those before it.
 FIRST_OWN_CALL = '"/etc/kel/kel.conf"'
 
 INTERFACE_FILE = """DEVICE=eth0
@@ -57,8 +57,8 @@ IPV6ADDR_SECONDARIES=2001:db8::2/64
 """
 
 
-# The stale file lets the add replace something; deleting .11 takes the other aliases of its
-# subnet with it, so that they have to be brought back.
+# The add replaces the stale file. With 198.51.100.1 the kernel drops the other alias of that
+# subnet, so the delete must restore it.
 SCENARIOS = {
     "list": ["--list"],
     "add IPv4": ["--add", "eth0", "192.0.2.13", "255.255.255.0"],
@@ -146,12 +146,12 @@ class Fault:
         return f"{self.call} #{self.ordinal}: {self.kind}"
 
 
-# A failed write of the new file shows in no result that is looked at, so the file is replaced by
-# as much as had been written: for the small files here, by nothing.
+# A failed write is not detected (required), so the file is replaced by what was written before: for
+# these small files, nothing.
 ACCEPTED_LOSSES = {"write": "the replaced file is empty: the failed write went unseen"}
 
-# Where the temporary file stays beside the target: the stream could not be made (fcntl, or the
-# memory for it), the target could not be opened, the rename failed, or the process was killed.
+# The temporary file stays behind if fdopen fails (fcntl, or its memory), the target cannot be
+# opened, the rename fails, or the process is killed.
 ALLOWED_LEFTOVERS = {"fcntl", "openat", "rename", "brk", "mmap"} | FATAL_IN_THE_C_LIBRARY
 
 
@@ -162,7 +162,7 @@ class Checker:
         self.leftovers = 0
 
     def check(self, fault, run):
-        """The complaints about one run; empty when all is well."""
+        """The complaints about one run."""
         complaints = list(self.check_status(fault, run)) + list(self.check_files(fault, run))
         if run.status == 0 and run.addresses != self.after.addresses:
             complaints.append(f"status 0, but the addresses are {sorted(run.addresses)}")

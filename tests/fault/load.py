@@ -44,9 +44,9 @@ def require(holds, complaint):
 
 
 def addrtool(*arguments, may_say=""):
-    """Runs it to success; gives what it printed and its largest memory, in kilobytes."""
+    """Runs addrtool, which must succeed. Returns its output and its peak memory in kilobytes."""
     global peak_kilobytes
-    # time(1) comes between, as a process counts the memory of the one it was forked from.
+    # A forked process starts with the peak memory of its parent, so time(1) must be the parent.
     done = subprocess.run(
         [
             "prlimit",
@@ -92,8 +92,8 @@ class Interface:
         return alias_text(f"{self.name}:{number}", self.ipv4(number), "255.255.192.0")
 
     def populate(self, ipv4, ipv6):
-        """What ip(8) has to do. One interface's addresses are one subnet, so that the main
-        address holds the others up."""
+        """The commands for ip(8). All addresses of an interface are in one subnet with the main
+        address, so a delete drops no other alias."""
         self.aliases = list(range(1, ipv4 + 1))
         self.secondaries = [self.ipv6(number) for number in range(2, ipv6 + 2)]
         for number in self.aliases:
@@ -146,7 +146,7 @@ class Interface:
             )
         lines = self.path().read_text().splitlines(keepends=True)
         if self.is_list_judged:
-            # The last one of a quoted list is known to come back with another prefix length.
+            # The last entry of a quoted list loses its prefix length, so lengths are not compared.
             listed = re.findall(
                 r"([0-9a-f:]+)/[0-9]+",
                 "".join(line for line in lines if line.startswith("IPV6ADDR_SECONDARIES=")),
@@ -199,7 +199,7 @@ def start_over(names):
 
 
 def timed(steps, interfaces, count):
-    """Runs a step so many times, in turn on each interface; gives the milliseconds of one."""
+    """Runs a step that many times, in turn on each interface. Returns the milliseconds per step."""
     start = time.monotonic()
     for interface, _ in zip(itertools.cycle(interfaces), range(count)):
         steps(interface)
@@ -210,7 +210,7 @@ def try_layout(names, options):
     interfaces = start_over(names)
     few, memory_of_few = check(interfaces, "at the start")
 
-    # Shares that come out even, so that each interface has as many as the others.
+    # Each interface gets the same share.
     share4, rest4 = divmod(options.ipv4 - options.by_addrtool, len(names))
     share6, rest6 = divmod(options.ipv6 - options.by_addrtool_ipv6, len(names))
     ip(
@@ -256,7 +256,7 @@ def try_layout(names, options):
 
 
 def try_under_valgrind(program, interface):
-    """Each way through the program once; ends with the addresses that it found."""
+    """Runs each action and each failure once. The addresses are the same at the end."""
     ipv4, ipv6 = interface.ipv4(15000), interface.ipv6(0xF000)
     for status, *arguments in [
         (0, "--list"),

@@ -1,4 +1,4 @@
-"""The sandbox that the fault tests change: its addresses and its files. Refuses to run elsewhere."""
+"""The addresses and files of the sandbox that the fault tests change."""
 
 import pathlib
 import re

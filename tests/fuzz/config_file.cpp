@@ -1,5 +1,5 @@
-// The runtime configuration file. The input is the file; the reader gets it by a path, as always,
-// that leads to memory.
+// Fuzzes the runtime configuration file. The input is the file. The reader opens it by a path to a
+// file in memory.
 #include "runtime/config_file.h"
 
 #include <sys/mman.h>
@@ -42,7 +42,7 @@ struct Content {
   bool operator==(const Content&) const = default;
 };
 
-// Cuts a comment, but not at the first character, then the last of an odd number of blanks.
+// Removes a comment after the first character, then the last of an odd number of blanks.
 std::string modelValue(const std::string& text) {
   const std::string value = text.substr(0, text.find('#', 1));
   const std::size_t blanks = value.size() - 1 - value.find_last_not_of(whiteSpace);
@@ -95,7 +95,7 @@ __attribute__((format(printf, 2, 3))) void keepLogged(int priority, const char* 
   std::free(text);
 }
 
-// One file in memory, filled anew for each input.
+// Writes the input to a file in memory and returns its path.
 std::string pathOf(std::string_view file) {
   static const int descriptor = memfd_create("config", MFD_CLOEXEC);
   require(ftruncate(descriptor, 0) == 0, "the file can be emptied");

@@ -1,5 +1,5 @@
-// An interface's configuration file through both edits of its IPv6 addresses. The first line of the
-// input is the address that is added and removed ("2001:db8::5/64"), the rest is the file.
+// Fuzzes both edits of the IPv6 addresses in an interface file. The first line of the input is the
+// address to add and remove ("2001:db8::5/64"). The rest is the file.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -46,7 +46,8 @@ std::optional<AddressRecord> modelEntry(const std::string& token) {
   return AddressRecord{parts[0], modelUnsigned16(upToNul(parts[1])).value.value_or(0)};
 }
 
-// Quotes go in front only; as many characters are taken as come before the closing ones.
+// Required: only opening quotes are removed. The length is counted from the start of the line to
+// the closing quotes.
 std::string modelListValue(const std::string& line) {
   std::size_t start = line.find('=') + 1;
   while (start < line.size() && isQuote(line[start])) ++start;
@@ -55,7 +56,7 @@ std::string modelListValue(const std::string& line) {
   return line.substr(start, end - 1);
 }
 
-// What a list line holds, up to the token that is no entry, if there is one.
+// The entries of a list line up to the first malformed token.
 struct ModelList {
   Entries entries;
   std::optional<std::string> malformed;
@@ -88,7 +89,7 @@ std::string joined(const Entries& entries) {
   return text;
 }
 
-// The new content, or nothing where the file has to stay as it was.
+// The new contents, or nothing if the edit must fail.
 std::optional<std::string> modelAddition(const Lines& lines, const AddressRecord& added) {
   std::string content;
   std::string list = listKey + "\"" + formatted(added);
@@ -204,8 +205,8 @@ void checkEdits(const std::string& content, const AddressRecord& address) {
   require(removed == modelRemoval(lines, address.address), "a removal promotes and filters");
 }
 
-// Without quotes nothing is lost on the way to a list and back; a quote in front of the first entry
-// would be taken for one around the list.
+// An unquoted list survives formatting and parsing. A quote before the first entry would count as a
+// quote around the list.
 void checkRoundTrip(const Entries& entries) {
   if (entries.empty() || entries.front().address.starts_with('"') ||
       entries.front().address.starts_with('\'')) {

@@ -1,5 +1,5 @@
-// Datagrams as the kernel sends them. The input is one datagram; it is collected twice in a row, as
-// two datagrams of one dump, and with either scope filter.
+// Fuzzes the datagrams of the kernel. The input is one datagram. It is collected twice, as two
+// datagrams of one dump, with and without host scope.
 #include <arpa/inet.h>
 #include <netinet/in.h>
 
@@ -21,7 +21,7 @@ namespace {
 
 using Octets = std::span<const std::uint8_t>;
 
-// The kernel's indexes are positive ints; of these every one has a name here.
+// Every index that the kernel can use, a positive int, has a name.
 std::string nameOfInterface(unsigned index) {
   if (index == 0 || index > 0x7fffffff) throw std::runtime_error("no such interface");
   return "eth" + std::to_string(index);
@@ -43,7 +43,7 @@ std::size_t paddedTo4(std::size_t length) {
   return (length + 3) / 4 * 4;
 }
 
-// What the attributes of one message say, as offsets into the message.
+// The attributes of one message, as offsets into the message.
 struct ModelAttributes {
   std::optional<std::size_t> address;
   std::optional<std::size_t> local;
@@ -134,7 +134,7 @@ void checkInterface(const std::string& name, const InterfaceAddresses& addresses
   }
 }
 
-// The dump, and whether the collecting ended with a failure.
+// The dump, and whether collecting threw an exception.
 struct Outcome {
   AddressDump dump;
   bool isRaised = false;
@@ -175,7 +175,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(classifyDatagram(std::as_bytes(octets)) == modelKind(octets),
           "a datagram is judged by its first message");
 
-  // Once at an odd place in memory: nothing may rely on alignment.
+  // One copy is at an odd address: the code must not rely on alignment.
   std::vector<std::uint8_t> shifted(1);
   shifted.insert(shifted.end(), data, data + size);
   const auto odd = std::as_bytes(std::span(shifted).subspan(1));

@@ -1,5 +1,5 @@
-// Numbers, netmasks and address texts, as they come from operands and files. The input is the text;
-// where it has a line break, the part behind it is a second address text.
+// Fuzzes the parsers of numbers, netmasks and addresses. The input is the text. The part after a
+// line break is a second address.
 #include <arpa/inet.h>
 #include <netinet/in.h>
 

@@ -1,9 +1,9 @@
-// What --add and --del were given, up to the text of the command that would run. Lines of the
-// input: the interface, the address, the netmask or prefix length, then the kernel's table, a row
-// "interface suffix address length" for each address, with "-" for an IPv4 address without alias.
+// Fuzzes the operands of --add and --del, up to the command that would run. The lines of the input
+// are the interface, the address, the netmask or prefix length, then the table of the kernel with a
+// row "interface suffix address length" for each address. The suffix "-" means no alias.
 //
-// No command runs and no file is touched: system(3) is answered here, with a failure where files
-// would follow, and the kernel's table comes from the input.
+// No command runs and no file changes: system(3) is replaced and fails before files would be
+// written.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -38,7 +38,7 @@ struct Row {
 
 using Rows = std::vector<Row>;
 
-// The world that the product meets.
+// What the program reads from and does to the machine.
 struct World {
   bool isArmed = false;
   Rows table;
@@ -48,7 +48,7 @@ struct World {
 
 World world;
 
-// What came of an action: the commands that it ran and the failure that it raised, if any.
+// The result of an action: the commands that it ran and the message of its exception, if any.
 struct Outcome {
   std::vector<std::string> commands;
   std::string failure;
@@ -56,7 +56,7 @@ struct Outcome {
   bool operator==(const Outcome&) const = default;
 };
 
-// A status of system(3) and how a message tells of it.
+// A status of system(3) and the end of the message about it.
 struct Ending {
   int status;
   const char* text;
@@ -109,7 +109,7 @@ std::string ipv6Command(const std::string& interface, const std::string& verb,
          std::to_string(record.prefixLength);
 }
 
-// The aliases of one interface in the order of their suffixes; of two alike the first counts.
+// The aliases of one interface, sorted by suffix. The first of two equal suffixes counts.
 Rows aliasesOf(const std::string& interface, const Rows& table) {
   Rows aliases;
   std::set<std::string> seen;
@@ -204,7 +204,7 @@ Outcome modelDeleteIPv6(const std::string& address, const Ending& ending) {
   return refused(address + ": not configured");
 }
 
-// The aliases of the first table that are missing in the second, one command each.
+// One command for each alias of the first table that is missing in the second.
 Outcome modelRestore(const Rows& before, const Rows& after, const std::string& deletedSuffix) {
   Outcome outcome;
   if (before.size() < 2) return outcome;
@@ -245,7 +245,7 @@ Rows readRows(const std::vector<std::string>& lines) {
 }  // namespace
 }  // namespace fuzz
 
-// Stands in for the kernel's.
+// Replaces the function that asks the kernel.
 void readKernelAddresses(AddressDump& dump, bool includeHostScope) {
   fuzz::require(!includeHostScope, "addresses of host scope are never asked for");
   for (const fuzz::Row& row : fuzz::world.table) {
@@ -262,7 +262,7 @@ void readKernelAddresses(AddressDump& dump, bool includeHostScope) {
 
 }  // namespace addrtool
 
-// The linker leads the product's and libFuzzer's calls here (--wrap).
+// The linker redirects all calls here (--wrap), also those of libFuzzer.
 extern "C" {
 
 int __real_system(const char* command);

@@ -8,7 +8,7 @@
 namespace addrtool::fuzz {
 namespace {
 
-// Kept from the start: libFuzzer is told to discard what the product prints.
+// A copy from the start, because libFuzzer discards what the program prints.
 const int reportFd = dup(STDERR_FILENO);
 
 }  // namespace

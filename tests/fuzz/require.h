@@ -1,10 +1,9 @@
-// How a harness states a rule.
+// Checks a rule in a fuzzer.
 #pragma once
 
 namespace addrtool::fuzz {
 
-/// Ends the process as a crash does, which libFuzzer takes for a find, when the rule does not hold.
-/// The rule is named on the standard error that the process was started with.
+/// Prints the rule and aborts if it does not hold. libFuzzer reports that as a crash.
 void require(bool holds, const char* rule);
 
 }  // namespace addrtool::fuzz

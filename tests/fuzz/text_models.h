@@ -1,5 +1,5 @@
-// The small texts of operands and files, read a second time and in another way than the product
-// reads them: what the harnesses compare it with.
+// Second implementations of the small parsers, written differently. The fuzzers compare the program
+// with them.
 #pragma once
 
 #include <cstdint>
@@ -12,10 +12,10 @@ namespace addrtool::fuzz {
 /// The text of the bytes up to the first zero byte, as an operand or a C function sees them.
 std::string upToNul(const std::string& bytes);
 
-/// The parts between the separators; always at least one.
+/// The parts between the separators, at least one.
 std::vector<std::string> splitAt(const std::string& text, char separator);
 
-/// An unsigned 16-bit number, or why there is none.
+/// An unsigned 16-bit number, or whether the text is one that is too large.
 struct ModelNumber {
   std::optional<std::uint16_t> value;
   bool isOutOfRange = false;
@@ -31,10 +31,10 @@ std::optional<std::uint32_t> modelDottedQuad(const std::string& text);
 /// The prefix length of those bits, from the lowest one that is set; 0 for none.
 std::uint16_t modelPrefixLength(std::uint32_t mask);
 
-/// The dotted netmask of a prefix length, which counts modulo 32; 0 as 32.
+/// The dotted netmask of a prefix length modulo 32. 0 counts as 32.
 std::string modelNetmask(std::uint16_t prefixLength);
 
-/// Whether both are IPv6 addresses and the same one.
+/// Whether both texts are the same IPv6 address.
 bool modelSameIPv6(const std::string& one, const std::string& other);
 
 }  // namespace addrtool::fuzz

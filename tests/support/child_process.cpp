@@ -14,7 +14,7 @@
 namespace addrtool::testing {
 namespace {
 
-// Memory files rather than pipes: a child may write as much as it likes before it is read.
+// A memory file takes any amount of output, unlike a pipe, which blocks when it is full.
 int makeMemoryFile(const char* name) {
   const int fd = memfd_create(name, MFD_CLOEXEC);
   if (fd == -1) throw std::runtime_error("memfd_create failed");

@@ -1,4 +1,4 @@
-// Runs datagrams through an AddressCollector, each in heap memory of exactly its size.
+// Passes datagrams to an AddressCollector, each in heap memory of exactly its size.
 #pragma once
 
 #include <array>
@@ -13,7 +13,7 @@
 
 namespace addrtool::testing {
 
-/// A machine with the interfaces 1 eth0, 2 eth1 and 3 lo.
+/// The interfaces of a machine: 1 is eth0, 2 is eth1, 3 is lo. Throws for any other index.
 inline std::string nameOfInterface(unsigned index) {
   static constexpr std::array<const char*, 3> names{"eth0", "eth1", "lo"};
   if (index == 0 || index > names.size()) {

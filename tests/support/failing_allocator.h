@@ -1,12 +1,12 @@
-// Makes chosen allocations of the code under test fail. The linker points malloc(3), calloc(3),
-// realloc(3), strdup(3) and getline(3), which allocates its buffer, at the functions of this file;
-// what the C library and the C++ library allocate among themselves is not touched.
+// Makes chosen allocations of the code under test fail: calls of malloc(3), calloc(3), realloc(3),
+// strdup(3) and getline(3), which allocates its buffer. The linker redirects these calls.
+// Allocations inside the C and C++ libraries are not affected.
 #pragma once
 
 namespace addrtool::testing {
 
-/// While it lives, the calls numbered `first` to `last`, counted from 1, fail with errno ENOMEM.
-/// One at a time.
+/// While it exists, the calls numbered `first` to `last`, counted from 1, fail with errno ENOMEM.
+/// Only one may exist at a time.
 class FailingAllocations {
  public:
   explicit FailingAllocations(int first) : FailingAllocations(first, first) {}
@@ -17,7 +17,7 @@ class FailingAllocations {
   FailingAllocations(FailingAllocations&&) = delete;
   FailingAllocations& operator=(FailingAllocations&&) = delete;
 
-  /// How many calls were made so far.
+  /// The number of calls so far.
   static int calls();
 };
 

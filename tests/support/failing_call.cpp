@@ -34,7 +34,7 @@ FailingCall::~FailingCall() {
 
 }  // namespace addrtool::testing
 
-// The names are the linker's: it sends every call of NAME to __wrap_NAME.
+// The linker option --wrap=NAME sends every call of NAME to __wrap_NAME.
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,readability-identifier-naming)
 using addrtool::testing::Call;
 using addrtool::testing::fails;

@@ -1,5 +1,5 @@
-// Failures that no file system can be talked into: a C library function fails on demand. The tests
-// that include this are linked with --wrap for each function that is named here.
+// Failures that cannot be produced on a real file system: a C library function fails on demand. The
+// tests are linked with --wrap for each function.
 #pragma once
 
 namespace addrtool::testing {
@@ -7,8 +7,8 @@ namespace addrtool::testing {
 /// The functions that can be made to fail.
 enum class Call { Fdopen, Fclose, Chown, Chmod };
 
-/// While it lives, every call of the function does nothing and fails with that error; but fclose(3)
-/// closes its stream all the same, as the real one does.
+/// While it exists, every call of the function does nothing and fails with that error. Only
+/// fclose(3) still closes its stream, as a real failure does.
 class FailingCall {
  public:
   FailingCall(Call call, int error);

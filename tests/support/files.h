@@ -1,4 +1,4 @@
-// Files for tests: a directory that goes away by itself, whole files in and out.
+// Temporary directories, and reading and writing whole files.
 #pragma once
 
 #include <filesystem>
@@ -7,7 +7,7 @@
 
 namespace addrtool::testing {
 
-/// A fresh directory, removed with all that is in it at the end of the test.
+/// A new directory. The destructor removes it with its contents.
 class TemporaryDirectory {
  public:
   TemporaryDirectory();
@@ -24,13 +24,13 @@ class TemporaryDirectory {
   std::filesystem::path path_;
 };
 
-/// The whole file, byte for byte. Raises when it cannot be read.
+/// Returns all bytes of the file. Throws if it cannot be read.
 std::string readFile(const std::filesystem::path& path);
 
-/// Makes or replaces the file, byte for byte. Raises when it cannot be written.
+/// Creates or overwrites the file. Throws if it cannot be written.
 void writeFile(const std::filesystem::path& path, const std::string& contents);
 
-/// The names in the directory, sorted.
+/// Returns the sorted names in the directory.
 std::vector<std::string> listDirectory(const std::filesystem::path& path);
 
 }  // namespace addrtool::testing

@@ -1,4 +1,4 @@
-// Catches what the code under test logs.
+// Records what the code under test logs.
 #pragma once
 
 #include <iosfwd>
@@ -17,8 +17,8 @@ struct LoggedMessage {
 /// For readable failures.
 void PrintTo(const LoggedMessage& message, std::ostream* stream);
 
-/// While it lives, it is the log function. Like a sink that has troubles of its own, it leaves
-/// errno changed by every message. One at a time.
+/// While it exists, it is the log function. Sets errno on every call, as a failing log sink would.
+/// Only one may exist at a time.
 class LogRecorder {
  public:
   LogRecorder();
@@ -28,7 +28,7 @@ class LogRecorder {
   LogRecorder(LogRecorder&&) = delete;
   LogRecorder& operator=(LogRecorder&&) = delete;
 
-  /// The messages since the last call, in their order.
+  /// Returns the messages since the last call, in order.
   static std::vector<LoggedMessage> take();
 };
 

@@ -1,4 +1,4 @@
-// Builds the bytes of rtnetlink datagrams, well-formed or not, for tests of what reads them.
+// Builds the bytes of valid and invalid rtnetlink datagrams.
 #pragma once
 
 #include <linux/if_addr.h>
@@ -21,12 +21,12 @@ struct Attribute {
   std::optional<std::uint16_t> claimedLength = {};  ///< in place of the true one, padding excluded
 };
 
-/// The bytes that inet_pton(3) gives for the text, IPv4 or IPv6. Raises for any other text.
+/// The bytes of an IPv4 or IPv6 address, as inet_pton(3) returns them. Throws for any other text.
 std::string addressBytes(const std::string& address);
 
 Attribute addressAttribute(const std::string& address);
 Attribute localAttribute(const std::string& address);
-/// As the kernel writes a label: with its NUL.
+/// A label with its NUL, as the kernel sends it.
 Attribute labelAttribute(const std::string& label);
 
 /// One address message. Its defaults are those of a plain address that an administrator added.
@@ -41,14 +41,14 @@ struct AddressMessage {
   std::optional<std::uint32_t> claimedLength = {};  ///< in place of the true one
 };
 
-/// The datagram with these messages, each padded to a multiple of 4 but for the last.
+/// The datagram with these messages, each but the last padded to a multiple of 4.
 std::string datagramOf(const std::vector<AddressMessage>& messages);
 
-/// A message header alone, with nothing behind it.
+/// A message header without a body.
 std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type);
 
-/// A copy of the bytes in heap memory of exactly their size, so that the address sanitizer sees
-/// each read before or behind them.
+/// A copy of the bytes in heap memory of exactly their size. So the address sanitizer finds each
+/// read outside of them.
 class ExactBytes {
  public:
   explicit ExactBytes(const std::string& bytes);

@@ -1,4 +1,4 @@
-// Calls the listing's functions that no option of addrtool reaches, in a process of their own.
+// Calls the functions of the listing that no option of addrtool calls.
 #include <cstdio>
 #include <exception>
 #include <string_view>

@@ -13,12 +13,12 @@
 namespace addrtool::testing {
 namespace {
 
-// The sandbox's own /etc: it goes away with it.
+// These files are in the /etc of the sandbox and vanish with it.
 constexpr const char* recorder = "/etc/recording-ifconfig";
 constexpr const char* recording = "/etc/recorded-commands";
 
-// A line of `ip -o address`: 3: eth0    inet 192.0.2.10/24 ... scope global eth0:1\    ...
-// The label, which IPv6 addresses do not have, stands before the backslash.
+// Parses a line of `ip -o address`: 3: eth0    inet 192.0.2.10/24 ... scope global eth0:1\    ...
+// An IPv4 address has a label, the last word before the backslash.
 std::string labelAndAddress(const std::string& line) {
   std::istringstream words(line.substr(0, line.find('\\')));
   std::string number;

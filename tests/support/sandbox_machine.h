@@ -35,7 +35,7 @@ void prepare(const std::string& script);
 /// Runs the lines as commands of ip(8); each must succeed.
 void ip(const std::string& commands);
 
-/// Adds that many addresses of length 32 to eth0, with labels eth0:1, eth0:2 ... if it is told to.
+/// Adds that many addresses of length 32 to eth0, with or without the labels eth0:1, eth0:2 ...
 /// Returns the addresses in the order of the kernel.
 Lines addManyAddresses(int count, bool withLabels = false);
 
@@ -45,7 +45,7 @@ void addAlias(const std::string& label, const std::string& addressAndLength);
 /// Makes a second interface with these addresses, "10.0.0.1/24", and an interface file.
 void addInterface(const std::string& name, const Lines& addresses);
 
-/// What the program lists on a machine that nobody has changed.
+/// The listing of a fresh sandbox.
 inline const std::string freshListing =
     "192.0.2.1 255.255.255.0 eth0 1\n"
     "2001:db8::1 64 eth0 0\n";
@@ -60,13 +60,13 @@ void expectRefused(const Lines& arguments, const std::string& message);
 void expectRefusedWith(const std::string& injection, const Lines& arguments,
                        const std::string& message);
 
-/// The global addresses by `ip`, sorted: "eth0:1 192.0.2.10/24", "eth0 2001:db8::1/64".
+/// The global addresses that ip(8) shows, sorted: "eth0:1 192.0.2.10/24", "eth0 2001:db8::1/64".
 Lines kernelAddresses();
 
 /// The same for a fresh sandbox to which these were added.
 Lines withFreshAddresses(Lines added);
 
-/// A file of the network scripts. Of anything but a regular file only what `stat` says is kept.
+/// A file of the network scripts. Only a regular file has contents here.
 struct NetworkFile {
   std::string contents{};
   mode_t mode = 0100644;
@@ -77,7 +77,7 @@ struct NetworkFile {
 };
 void PrintTo(const NetworkFile& file, std::ostream* stream);
 
-/// Everything in the directory of the network scripts, by name.
+/// All files in the directory of the network scripts, by name.
 using NetworkFiles = std::map<std::string, NetworkFile>;
 NetworkFiles networkFiles();
 

@@ -35,7 +35,7 @@ Trace traceCommand(const std::vector<std::string>& options,
   if (ADDRTOOL_EMULATED) skipTest("strace would show the emulator's system calls");
   const TemporaryDirectory directory;
   const std::string log = directory / "calls";
-  // The leak sanitizer, in builds that have it, cannot work in a traced program.
+  // The leak sanitizer does not work in a traced program.
   std::vector<std::string> words{"strace", "-qq", "-o", log, "-E", "ASAN_OPTIONS=detect_leaks=0"};
   words.insert(words.end(), options.begin(), options.end());
   words.insert(words.end(), command.begin(), command.end());

@@ -1,4 +1,4 @@
-// Watches the system calls of a program with strace(1), and answers some in the kernel's place.
+// Traces the system calls of a program with strace(1), and answers some instead of the kernel.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace addrtool::testing {
 
-/// What a program did and what it asked the kernel for.
+/// The result of a program and its system calls.
 struct Trace {
   Outcome outcome;
   std::vector<std::string> calls;  ///< lines of strace, in order
@@ -19,14 +19,14 @@ struct Trace {
 Trace traceCommand(const std::vector<std::string>& options,
                    const std::vector<std::string>& command);
 
-/// The strace option that answers the n-th call with these bytes, written to where its second
-/// argument points, and with their number as its result.
+/// The strace option that makes the n-th call return these bytes: they go to where its second
+/// argument points, and their number is the result.
 std::string answer(const std::string& systemCall, int n, const std::string& bytes);
 
-/// The calls from the first on that starts like this; none when none does.
+/// All calls from the first one that starts with this text.
 std::vector<std::string> callsFrom(const std::string& start, const Trace& trace);
 
-/// Those of the calls that start like this.
+/// The calls that start with this text.
 std::vector<std::string> callsStarting(const std::string& start,
                                        const std::vector<std::string>& calls);
 

@@ -16,7 +16,7 @@
 namespace addrtool::testing {
 namespace {
 
-// What recv(2) gives in the kernel's place, as long as there is something.
+// The results of the next calls of recv(2). If empty, the kernel answers.
 std::queue<std::string> replies;
 
 // --- IPv4 --------------------------------------------------------------------
@@ -133,7 +133,7 @@ TEST(AddAddress, ChecksTheThirdOperandBeforeTheInterface) {
   expectRefused({"-a", "eth9", "2001:db8::5", "x"}, "x: cannot convert to int");
 }
 
-// The kernel's answer is made up: to really give an interface that many takes minutes.
+// The kernel's answer is replaced, because adding that many real addresses takes minutes.
 TEST(AddAddress, RefusesWhenEveryAliasNumberIsTaken) {
   const MachineState before;
   const std::uint32_t index = if_nametoindex("eth0");
@@ -184,7 +184,7 @@ TEST(AddAddress, AddsIPv6ToTheInterfaceAndItsFile) {
             (Lines{"eth0", "2001:db8::1/64", "2001:db8::5/64"}));
 }
 
-// The closing quote of the list counts as part of its last entry.
+// Required: the closing quote of the list counts as part of its last entry.
 TEST(AddAddress, LosesThePrefixLengthOfTheLastIPv6AddressInTheList) {
   for (const char* address : {"2001:db8::5", "2001:db8::6", "2001:db8::7"}) {
     ASSERT_EQ(runAddrtool({"-a", "eth0", address, "64"}), silentSuccess);
@@ -222,7 +222,7 @@ TEST(AddAddress, RefusesAnInvalidPrefixLength) {
   }
 }
 
-// So the prefix length, not the netmask, is judged.
+// So the third operand must be a prefix length.
 TEST(AddAddress, TreatsAnyTextWithAColonAsIPv6) {
   expectRefused({"-a", "eth0", "192.0.2.10:", "255.255.255.0"},
                 "255.255.255.0: cannot convert to int");
@@ -231,9 +231,9 @@ TEST(AddAddress, TreatsAnyTextWithAColonAsIPv6) {
 TEST(AddAddress, FailsWithTheCommandWhenTheKernelRefuses) {
   ASSERT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
   const std::vector<std::pair<Lines, std::string>> rows{
-      {{"-a", "eth0", "192.0.2.10", "255.255.255.0"},  // is there, as alias 1
+      {{"-a", "eth0", "192.0.2.10", "255.255.255.0"},  // exists as alias 1
        "'eth0:2' '192.0.2.10' netmask  '255.255.255.0' up exited with non-zero status 255\n"},
-      {{"-a", "eth0", "2001:db8::1", "64"},  // is there
+      {{"-a", "eth0", "2001:db8::1", "64"},  // exists
        "eth0 add 2001:db8::1/64 exited with non-zero status 1\n"},
       {{"-a", "eth9", "2001:db8::5", "64"},
        "eth9 add 2001:db8::5/64 exited with non-zero status 1\n"},
@@ -269,7 +269,7 @@ TEST(AddAddress, CreatesNoInterfaceFile) {
 }  // namespace
 }  // namespace addrtool::testing
 
-// The names are the linker's: it sends every call of NAME to __wrap_NAME.
+// The linker option --wrap=NAME sends every call of NAME to __wrap_NAME.
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,readability-identifier-naming)
 extern "C" {
 

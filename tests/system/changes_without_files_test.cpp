@@ -1,5 +1,5 @@
-// Where the files cannot follow: the running system has been changed by then and stays so. What was
-// in a file before is still there, but for the one loss that is accepted, on a full disk.
+// When the files cannot be updated, the running system stays changed. The old contents of a file
+// survive, except on a full disk.
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -49,13 +49,13 @@ class ChangesWithoutFiles : public ::testing::Test {
             networkScripts.string());
   }
 
-  // One page for each file, and one that is taken.
+  // Leaves no free page: each file has one, and the filler has the last.
   static void fillDisk() {
     mountSmall("nr_blocks=" + std::to_string(networkFiles().size() + 1));
     writeFile(networkScripts / "filler", std::string(pageSize, 'x'));
   }
 
-  // The only file whose name is not known: what a failed replacement has left behind.
+  // The name of the temporary file that a failed replacement leaves behind, or "".
   static std::string leftOver(const std::string& label) {
     const std::string stem = interfaceFile(label).filename().string() + '.';
     const auto names = listDirectory(networkScripts);
@@ -85,7 +85,7 @@ TEST_F(ChangesWithoutFiles, AreKeptWhenNoFileCanBeMade) {
   NetworkFiles files = networkFiles();
   ASSERT_EQ(files.size(), 2U);
   expectAllChanged(aliasFileFailure("No space left on device"));
-  files.erase("ifcfg-eth0:1");  // which needs no new file
+  files.erase("ifcfg-eth0:1");  // a removal needs no new file
   EXPECT_EQ(networkFiles(), files);
 }
 
@@ -156,7 +156,7 @@ TEST_F(ChangesWithoutFiles, ReplaceASocketWithAnAliasFile) {
   EXPECT_EQ(networkFiles(), files);
 }
 
-// It cannot be read, so there is nothing to edit; the temporary files stay behind.
+// A socket cannot be read, so the edit fails and the temporary file stays behind.
 TEST_F(ChangesWithoutFiles, KeepASocketInPlaceOfTheInterfaceFile) {
   makeSocket("eth0");
   NetworkFiles files = networkFiles();

@@ -1,4 +1,4 @@
-// What the options and operands ask for, and which messages and exit statuses they lead to.
+// Options and operands: which actions they run, which messages and exit statuses they cause.
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {
@@ -129,7 +129,7 @@ struct ActionsRow {
   std::string rule;
   Lines arguments;
   Outcome outcome;
-  Lines aliases;  // afterwards, of the two that are there at the start
+  Lines aliases;  // at the end; the first two exist at the start
 };
 
 void PrintTo(const ActionsRow& row, std::ostream* stream) {

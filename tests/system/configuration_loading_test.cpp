@@ -1,4 +1,4 @@
-// What /etc/kel/kel.conf means to a run of the program: it is read, and nothing comes of it.
+// The program loads /etc/kel/kel.conf and uses no value of it.
 #include <sys/stat.h>
 
 #include "support/sandbox_machine.h"
@@ -44,7 +44,7 @@ TEST_F(ConfigurationLoading, AFileThatCannotBeReadChangesNothing) {
   }
 }
 
-// A pipe that nobody writes to holds the program where it opens the file.
+// Opening a FIFO without a writer blocks the program.
 TEST_F(ConfigurationLoading, ComesAfterTheChecksOfTheCommandLine) {
   ASSERT_EQ(mkfifo(config.c_str(), 0600), 0);
   EXPECT_EQ(runShell("timeout 20 addrtool -l extra").exitStatus, 1);

@@ -1,4 +1,4 @@
-// The answers of --qv-assigned-ip. tests/unit/container holds how a line is searched.
+// The answers of --qv-assigned-ip. tests/unit/container tests how a line is searched.
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {
@@ -6,7 +6,7 @@ namespace {
 
 TEST(ContainerCheck, AnswersADigitForEachAddressAndNothingElse) {
   struct Row {
-    std::string preparation;  // in a sandbox without /proc/qv
+    std::string preparation;  // run without /proc/qv
     Lines addresses;
     std::string answer;
   };
@@ -25,7 +25,7 @@ TEST(ContainerCheck, AnswersADigitForEachAddressAndNothingElse) {
       {inDirectory + "touch veinfo", {"", "10.0.0.1"}, "10"},
       {inDirectory + "mkdir veinfo", {"10.0.0.1", ""}, "01"},
       {inDirectory + "ln -s veinfo veinfo", {"10.0.0.1", ""}, "00"},
-      // It opens, but has nothing to read at its start.
+      // This file opens, but the first read fails.
       {inDirectory + "ln -s /proc/self/mem veinfo", {"10.0.0.1"}, "0"},
   };
   for (const auto& [preparation, addresses, answer] : rows) {

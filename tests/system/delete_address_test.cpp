@@ -137,7 +137,7 @@ TEST(DeleteAddress, PromotesTheFirstListedIPv6Address) {
             (Lines{"2001:db8::6/64", "2001:db8::5/0"}));
 }
 
-// The closing quote of the list counts as part of its last entry.
+// Required: the closing quote of the list counts as part of its last entry.
 TEST(DeleteAddress, PromotesTheOnlyListedIPv6AddressWithoutItsPrefixLength) {
   NetworkFiles files = networkFiles();
   add("2001:db8::5", "64");
@@ -171,14 +171,14 @@ TEST(DeleteAddress, RemovesIPv6FromTheFirstInterfaceByName) {
             withFreshAddresses({"eth1 2001:db8:1::1/64", "eth1 2001:db8::5/64"}));
 }
 
-// It is searched for no further, though eth1 could give it up.
+// The search stops at the first interface, although eth1 has other addresses.
 TEST(DeleteAddress, RefusesALastIPv6AddressEvenIfAnotherInterfaceHasIt) {
   addInterface("eth1", {"2001:db8:1::1/64", "2001:db8::1/64"});
   expectRefused({"-d", "2001:db8::1"}, "2001:db8::1: cannot remove last address from eth0");
 }
 
-// Expects that the change is made in the kernel, and that the message on both streams tells why the
-// file of eth0 stays the very same file.
+// Expects that the kernel is changed, that the file of eth0 is not even replaced, and that a
+// message on both streams says why.
 void expectFileIsKept(const Lines& arguments, const std::string& message, const Lines& addresses) {
   const auto inode = [] {
     struct stat status {};

@@ -1,5 +1,5 @@
-// How commands reach /sbin/ifconfig and how their end is judged: a recording one takes its place
-// where it has to fail, the real one shows what the shell is handed.
+// The commands that /sbin/ifconfig gets, and how their exit status is reported. A recorder replaces
+// it where it must fail.
 #include "changes/ifconfig.h"
 
 #include <unistd.h>
@@ -19,8 +19,8 @@ std::string ifconfigFailure(const std::string& arguments) {
   return failureOf([&arguments] { runIfconfig(arguments); });
 }
 
-// A shell may run the command in its own place or in a child; either way it is the process that
-// is waited for which dies.
+// The shell may exec the command or run it as a child. Either way this kills the process that
+// system(3) waits for.
 std::string killShell(int signal) {
   const std::string number = std::to_string(signal);
   return "if [ \"$(cat /proc/$PPID/comm)\" = sh ]; then kill -" + number + " $PPID; else kill -" +
@@ -79,8 +79,8 @@ TEST(RunIfconfig, ReportsAMissingCommandAsTheShellDoes) {
   EXPECT_EQ(MachineState(), before);
 }
 
-// A caller that ignores SIGCHLD hands that on, and then no child can be waited for: a failed
-// system(3) is a failed command with status 255, even if the command did its work.
+// If the caller ignores SIGCHLD, the program inherits that, and waiting for a child fails. Then the
+// command counts as failed with status 255, even if it succeeded.
 TEST(RunIfconfig, ReportsAFailedWaitAsStatus255) {
   const NetworkFiles filesBefore = networkFiles();
   const Outcome outcome = runCommand(
@@ -89,8 +89,8 @@ TEST(RunIfconfig, ReportsAFailedWaitAsStatus255) {
   EXPECT_EQ(networkFiles(), filesBefore);
 }
 
-// Where not even a shell can be started, glibc's system(3) says what a shell says that cannot
-// start the command.
+// If fork(2) fails, system(3) of glibc returns the same status as a shell that cannot start a
+// command.
 TEST(RunIfconfig, ReportsAFailedForkAsStatus127) {
   expectRefusedWith("inject=clone,clone3,fork,vfork:error=EAGAIN", addOne,
                     addOneCommand + " exited with non-zero status 127");
@@ -106,7 +106,7 @@ TEST(RunIfconfig, LetsTheCommandInheritOnlyTheStandardStreams) {
     execlp("addrtool", "addrtool", "-d", "198.51.100.1", "-a", "eth0", "192.0.2.10",
            "255.255.255.0", nullptr);
   });
-  const std::string seen = "0\n1\n2\n3\n";  // the last one is the directory that ls reads
+  const std::string seen = "0\n1\n2\n3\n";  // 3 is the directory that ls reads
   EXPECT_EQ(outcome, (Outcome{0, 0, seen + seen + seen, ""}));
 }
 
@@ -119,7 +119,7 @@ TEST(RunIfconfig, PassesExactCommandLinesForAddsAndDeletes) {
   expectCommandLines({"-a", "eth0", "192.0.2.10", "255.255.255.0"},
                      {"/sbin/ifconfig 'eth0:3' '192.0.2.10' netmask  '255.255.255.0' up"});
   expectCommandLines({"-d", "192.0.2.11"}, {"/sbin/ifconfig 'eth0:web:2' down"});
-  // An add takes the typed text, a delete the kernel's.
+  // An add passes the typed text, a delete the text of the kernel.
   expectCommandLines({"-a", "eth0", "2001:DB8:0::5", "48"},
                      {"/sbin/ifconfig eth0 add 2001:DB8:0::5/48"});
   expectCommandLines({"-d", "2001:0DB8::5"}, {"/sbin/ifconfig eth0 del 2001:db8::5/48"});
@@ -146,7 +146,7 @@ TEST(RunIfconfig, QuotesIPv4Operands) {
                                  "255.255.255.0", "up"}}));
 }
 
-// The shell reads them as it reads anything: a caller has to be trusted.
+// Required: the shell expands them, so callers must be trusted.
 TEST(RunIfconfig, DoesNotQuoteIPv6Operands) {
   recordIfconfig();
   EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::$((4+5))", "64"}), silentSuccess);

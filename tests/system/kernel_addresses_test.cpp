@@ -1,5 +1,5 @@
-// The conversation with the kernel: what is asked for, and what happens when it goes wrong. The
-// system calls of the real program are watched, and some answered in the kernel's place.
+// The request to the kernel, and every failure of it. strace watches the system calls of the real
+// program and answers some instead of the kernel.
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
 
@@ -15,14 +15,14 @@ namespace {
 
 const std::string openSocket = "socket(AF_NETLINK, SOCK_DGRAM, NETLINK_ROUTE)";
 
-// Traces `addrtool --list`, with calls answered as the options say.
+// Traces `addrtool --list` with these injections.
 Trace traceListing(const Lines& injections = {}) {
   Lines options{"-a1", "-e", "trace=socket,bind,sendto,sendmsg,recvfrom,recvmsg,ioctl,close,write"};
   for (const std::string& injection : injections) options.insert(options.end(), {"-e", injection});
   return traceCommand(options, {"addrtool", "--list"});
 }
 
-// The number of the socket, as it stands at the end of the call that opened it.
+// The descriptor of the socket: the result of the first call.
 std::string socketNumber(const Lines& calls) {
   const std::size_t blank = calls.at(0).rfind(' ');
   return calls.at(0).substr(blank + 1);
@@ -121,7 +121,7 @@ TEST(KernelAddresses, AFailingCallIsReportedAndTheSocketClosed) {
 }
 
 TEST(KernelAddresses, AFailingCloseDoesNotChangeTheMessage) {
-  // The loader closes files of its own before the socket is opened.
+  // The dynamic loader closes files before the socket is opened.
   const Trace rehearsal = traceListing({"inject=recvfrom:error=ENOMEM"});
   const auto all = callsStarting("close(", rehearsal.calls).size();
   const auto late = callsStarting("close(", callsFrom(openSocket, rehearsal)).size();

@@ -13,7 +13,7 @@
 namespace addrtool::testing {
 namespace {
 
-// What `addrtool --list` prints; it must succeed and say nothing else.
+// What `addrtool --list` prints. It must succeed without a message.
 std::string listing() {
   const Outcome outcome = runAddrtool({"--list"});
   EXPECT_EQ(outcome, success(outcome.out));
@@ -155,7 +155,7 @@ TEST(Listing, MakesOneReceivePerDatagramAndOneWritePerLine) {
   EXPECT_EQ(writes, 2002U);
   EXPECT_GT(receives, 10U);
   EXPECT_LT(receives, 200U);
-  EXPECT_LE(calls.size() - receives - writes, 12U);  // the sanitizers add some of their own
+  EXPECT_LE(calls.size() - receives - writes, 12U);  // sanitizers add a few
 }
 
 TEST(Listing, ContinuesAfterAShortOrInterruptedWriteAndStopsAtAFailure) {
@@ -195,7 +195,7 @@ TEST(InterfaceNames, StopAtANameThatCannotBeWritten) {
   EXPECT_EQ(trace.outcome, success(""));
 }
 
-// Runs the listing with a pipe that refuses to block for its output, and reads it slowly.
+// Runs the listing with a non-blocking pipe as its output and reads the pipe slowly.
 std::string listingThroughNonBlockingPipe() {
   std::array<int, 2> ends{};
   EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
@@ -228,7 +228,7 @@ TEST(Listing, IsCompleteThroughAFullNonBlockingPipe) {
   EXPECT_TRUE(listingThroughNonBlockingPipe() == expected);
 }
 
-// --- what no option reaches ---
+// --- functions that no option calls ---
 
 Lines describe(const AddressInventory& inventory) {
   Lines lines;
@@ -302,8 +302,8 @@ TEST(InterfaceNames, EndAtTheFirstColonAndAreMerged) {
         address add 10.1.0.1/16 dev eth1
         address delete 2001:db8::1/64 dev eth0)");
   ASSERT_EQ(printInventory("interface-names").out, "eth0\neth1\n");
-  // Kernels of today allow no such name, so the first question for one is answered for them: the
-  // name is the beginning of the structure that the third argument of the ioctl points to.
+  // No kernel of today allows such a name, so strace answers the first lookup. The name starts the
+  // structure that the third argument of ioctl(2) points to.
   const Trace trace =
       traceCommand({"-e", "trace=ioctl", "-e",
                     "inject=ioctl:retval=0:poke_exit=@arg3=657468313a323a3300:when=1"},

@@ -1,5 +1,5 @@
-// With the first address of a subnet the kernel drops the others (promote_secondaries is off, as
-// it is by default). A delete brings back those that are aliases.
+// With the first address of a subnet the kernel drops the others, because promote_secondaries is
+// off by default. A delete restores those that are aliases.
 
 #include "support/sandbox_machine.h"
 
@@ -59,7 +59,6 @@ TEST(RestoreAliases, RestoresPrefixLengthsEvenIfNoAddressIsLeft) {
   EXPECT_EQ(kernelAddresses(), withFreshAddresses({"eth1:2 203.0.113.2/30"}));
 }
 
-// Only aliases are brought back.
 TEST(RestoreAliases, DoesNotRestoreAMainAddress) {
   addAlias("eth0:1", "198.51.100.1/24");
   ip("address add 198.51.100.2/24 dev eth0");
@@ -77,7 +76,6 @@ TEST(RestoreAliases, DoesNotRestoreALabelThatHasAnotherAddress) {
   EXPECT_EQ(recordedCommands(), (std::vector<Lines>{{"/sbin/ifconfig", "eth0:1", "down"}}));
 }
 
-// Nor does it come back itself when it is still there, or went without a trace.
 TEST(RestoreAliases, DoesNotRestoreTheDeletedAlias) {
   addAliases(2);
   recordIfconfig("ip address flush dev eth0 label 'eth0:*'; exit 0");

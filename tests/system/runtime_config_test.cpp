@@ -1,5 +1,5 @@
-// The library behind /etc/kel/kel.conf, called directly. It keeps what it loaded for the life of
-// the process, so each run of it is a child.
+// Calls the library that reads /etc/kel/kel.conf. It keeps what it loaded as long as the process
+// lives, so each case runs in a child process.
 #include "runtime/runtime_config.h"
 
 #include <malloc.h>
@@ -226,7 +226,7 @@ TEST(GetConfigValueByName, LogsAnUnknownName) {
                              "' was found neither in /etc/kel/kel.conf, nor in compile-time "
                              "defaults\n";
     fs::create_directories(config.parent_path());
-    writeFile(config, name + " value\n");  // which does not make it known
+    writeFile(config, name + " value\n");  // the file does not make the name known
     EXPECT_EQ(runInChild([&] { print(getConfigValueByName(name.c_str())); }),
               (Outcome{0, 0, line + "(null)\n", line}));
     expectInChild([&] {

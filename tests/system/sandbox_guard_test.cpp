@@ -1,5 +1,5 @@
-// Whatever changes addresses or system files refuses to run outside a sandbox. To be safe even if a
-// refusal fails, these tests run in a sandbox whose marks are hidden under a fresh /proc.
+// Programs that change addresses or system files refuse to run outside a sandbox. In case one does
+// not, these tests run in a sandbox whose marks are hidden under a fresh /proc.
 
 #include "support/sandbox_machine.h"
 
@@ -8,7 +8,7 @@ namespace {
 
 const std::string root = ADDRTOOL_ROOT_DIR;
 
-// This very program.
+// The path of this program.
 std::string systemTests() {
   return std::filesystem::read_symlink("/proc/self/exe");
 }

@@ -1,5 +1,5 @@
-// What the program and its commands write to standard output and to standard error, in one file:
-// the order is that in which things happened.
+// The output of the program and its commands, with both streams in one file. It must be in the
+// order of the events.
 
 #include "support/sandbox_machine.h"
 
@@ -11,14 +11,14 @@ const std::string mainAddressKept = "192.0.2.1: cannot delete main IP on interfa
 const std::string leftover =
     "Some parameters in command string are left unprocessed. Check parameters please.\n";
 
-// Both streams of the program run with these arguments, as one text.
+// Runs the program and returns both streams as one text.
 std::string outputOf(const std::string& arguments) {
   const Outcome outcome = runShell("addrtool " + arguments + " 2>&1");
   EXPECT_EQ(outcome.err, "");
   return outcome.out;
 }
 
-// What /sbin/ifconfig then writes to its standard error and standard output.
+// Makes /sbin/ifconfig write to standard error and standard output.
 void makeIfconfigSpeak(int exitStatus) {
   recordIfconfig("echo complaint >&2; echo remark; exit " + std::to_string(exitStatus));
 }
@@ -49,7 +49,7 @@ TEST(StreamsInOrder, ComplaintsAboutOptionsComeFirst) {
   EXPECT_TRUE(outputOf("-l -x extra").starts_with(complaint + leftover));
 }
 
-// A message of the support library goes to both streams. It may end in the system's error.
+// A message of the support library goes to both streams. It may end in a system error.
 void expectTwice(const std::string& start, const std::string& output) {
   const std::string message = output.substr(0, output.size() / 2);
   EXPECT_TRUE(message.starts_with(start)) << output;

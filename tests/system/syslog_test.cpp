@@ -14,7 +14,7 @@
 namespace addrtool::testing {
 namespace {
 
-// What a syslog daemon would get.
+// Receives messages as a syslog daemon does.
 class LogSocket {
  public:
   LogSocket() : fd_(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
@@ -30,7 +30,7 @@ class LogSocket {
   LogSocket(LogSocket&&) = delete;
   LogSocket& operator=(LogSocket&&) = delete;
 
-  // The messages that came so far, without their time stamps.
+  // The messages received so far, without time stamps.
   Lines take() const {
     const std::regex form("(<[0-9]+>)[A-Z][a-z]{2} [ 0-9]{2} [0-9:]{8} ([^]*?)\n?");
     Lines messages;
@@ -73,7 +73,7 @@ TEST(Syslog, IsReopenedByEachInitialisation) {
   const LogSocket first;
   initLogging(nullptr, LOG_INFO, LOG_MAIL, LOG_NDELAY, "first");
   logMessage(LOG_ERR, "one");
-  const LogSocket second;  // takes over the name; what is connected stays with the first
+  const LogSocket second;  // gets the name; an open connection stays with the first
   logMessage(LOG_ERR, "two");
   initLogging(nullptr, LOG_INFO, LOG_DAEMON, LOG_NDELAY, "second");
   logMessage(LOG_ERR, "three");

@@ -1,5 +1,5 @@
-// Datagrams whose lengths lie. Each lies in heap memory of exactly its size, so that under the
-// address sanitizer a read beyond its end fails the test as well.
+// Datagrams with wrong lengths. Each is in heap memory of exactly its size, so the address
+// sanitizer finds every read beyond its end.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <linux/if_addr.h>
@@ -83,7 +83,7 @@ TEST(MessageBounds, BytesTooFewForAHeaderAfterTheLastMessageAreIgnored) {
 }
 
 TEST(MessageBounds, AMessageEndsWhereItsLengthSays) {
-  // The bytes of the address are there, but beyond the message.
+  // The bytes of the address are in the datagram, but after the end of the message.
   for (std::uint32_t length = 24; length < 32; ++length) {
     AddressMessage message = last;
     message.claimedLength = length;
@@ -97,7 +97,7 @@ TEST(MessageBounds, AMessageEndsWhereItsLengthSays) {
 // --- lengths of attributes ---
 
 TEST(AttributeBounds, AnImpossibleLengthEndsTheAttributes) {
-  // Behind the bad attribute's header there are 4 bytes of its own and 8 of the next.
+  // The header of the bad attribute is followed by 4 bytes of its own and 8 of the next.
   for (const int length : {0, 1, 2, 3, 17, 0x7FFF, 0x8000, 0xFFFC, 0xFFFD, 0xFFFE, 0xFFFF}) {
     const Attribute bad{IFA_LABEL, "eth0", static_cast<std::uint16_t>(length)};
     EXPECT_EQ(collect({withAttributes({bad, addressAttribute("192.0.2.1")}), last}), lastAlone)
@@ -170,7 +170,7 @@ std::vector<std::string> addressesIn(const AddressDump& dump) {
   return addresses;
 }
 
-// What holds for every dump, whatever the bytes were.
+// Checks what must be true of every dump.
 void expectSoundness(const AddressDump& dump) {
   for (const auto& [name, interface] : dump) {
     EXPECT_NE(interface, InterfaceAddresses{}) << name;
@@ -192,7 +192,7 @@ TEST(RandomBytes, AreReadWithinBoundsAndYieldOnlyAddresses) {
   for (int round = 0; round < 5000; ++round) {
     std::string bytes(random() % 200, '\0');
     for (char& byte : bytes) byte = static_cast<char>(random());
-    // Otherwise hardly any would pass for messages.
+    // Without this, hardly any would be valid messages.
     for (std::size_t at = 0; at + 28 < bytes.size(); at += 36) {
       bytes.replace(at, 4, {static_cast<char>(random() % 64), 0, 0, 0});
       bytes.replace(at + 16, 4, {random() % 2 == 0 ? '\x02' : '\x0A', 64, '\x80', 0});
@@ -203,7 +203,7 @@ TEST(RandomBytes, AreReadWithinBoundsAndYieldOnlyAddresses) {
     expectSoundness(dump);
     found += addressesIn(dump).size();
   }
-  EXPECT_GT(found, 200U);  // the rounds did reach the end of the road
+  EXPECT_GT(found, 200U);  // enough rounds got as far as an address
 }
 
 TEST(RandomBytes, InAGoodDatagramAreReadWithinBounds) {

@@ -34,7 +34,7 @@ AddressMessage onInterface(std::uint32_t index, AddressMessage message) {
   return message;
 }
 
-// What eth0 alone should carry.
+// The dump of a machine on which only eth0 has addresses.
 AddressDump eth0With(const InterfaceAddresses& addresses) {
   return {{"eth0", addresses}};
 }
@@ -148,7 +148,7 @@ TEST(AddressMessages, InterfacesComeInTheOrderOfTheirNames) {
                   }));
 }
 
-// Collects the datagrams and gives the indexes whose names were asked for.
+// Collects the datagrams and returns the indexes whose names were looked up.
 std::vector<unsigned> askedFor(const std::vector<std::string>& datagrams) {
   std::vector<unsigned> asked;
   collect(datagrams, false, [&asked](unsigned index) {
@@ -183,7 +183,7 @@ TEST(AddressMessages, AFailedNameLookupIsPassedOn) {
   withoutAddress.attributes.clear();
   AddressMessage badAttribute = ipv4("192.0.2.1");
   badAttribute.attributes.front().claimedLength = 0;
-  // Whatever is wrong with its attributes, or would be skipped for its address.
+  // Even if its attributes are malformed or its address would be skipped.
   for (const AddressMessage& message :
        {ipv4("192.0.2.1"), ipv6("2001:db8::1"), ipv6("::2"), withoutAddress, badAttribute}) {
     EXPECT_EQ(failureOf([&] { collect({onInterface(99, message)}); }), "no interface 99");
@@ -220,7 +220,7 @@ TEST(AddressMessages, ALaterAttributeReplacesAnEarlierOneOfItsType) {
                                      localAttribute("192.0.2.3"), labelAttribute("eth0:1"),
                                      labelAttribute("")}}}),
             eth0With({.primaryIPv4 = {{"192.0.2.3", 24}}}));
-  // Even one that is only a header.
+  // Even an attribute without a payload.
   EXPECT_EQ(collect({{.attributes = {addressAttribute("192.0.2.1"), labelAttribute("eth0:1"),
                                      Attribute{IFA_LABEL, ""}}}}),
             plain);

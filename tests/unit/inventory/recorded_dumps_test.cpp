@@ -1,4 +1,4 @@
-// Dumps of a real kernel, recorded with tests/support/record_dumps, where their scenes are told.
+// Dumps of a real kernel. tests/support/record_dumps recorded them and describes their scenes.
 #include <gtest/gtest.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
@@ -114,8 +114,8 @@ TEST(RecordedDumps, AFreshMachineHasLoopbackWithHostScope) {
             }));
 }
 
-// What the kernel knows besides: addresses of link and host scope, a second address labelled
-// eth0:1, temporary and limited IPv6 addresses, and "::2", the only one of eth2.
+// The kernel has more, which is ignored: addresses of link and host scope, a second address with
+// the label eth0:1, temporary and limited IPv6 addresses, and "::2", the only address of eth2.
 const AddressDump varied{
     {"eth0",
      {.aliases = {{"1", {"192.0.2.11", 24}},
@@ -150,7 +150,7 @@ TEST(RecordedDumps, ManyAddressesFillSeveralDatagrams) {
     eth0.primaryIPv4.push_back({address, 32});
   }
   std::array<char, 32> address{};
-  for (int n = 50; n > 0; --n) {  // the kernel gives the latest first
+  for (int n = 50; n > 0; --n) {  // the kernel sends the latest first
     std::snprintf(address.data(), address.size(), "2001:db8:3::%x", n);
     eth0.ipv6.push_back({address.data(), 128});
   }
@@ -158,7 +158,7 @@ TEST(RecordedDumps, ManyAddressesFillSeveralDatagrams) {
   EXPECT_EQ(replay("many"), (AddressDump{{"eth0", eth0}}));
 }
 
-// Where the messages of the datagram end, and its start.
+// The offset of the first message and the end of each message.
 std::vector<std::size_t> messageEnds(const std::string& datagram) {
   std::vector<std::size_t> ends{0};
   while (ends.back() < datagram.size()) {
@@ -192,7 +192,7 @@ TEST(RecordedDumps, TruncatedDumpsYieldTheirWholeMessages) {
   }
 }
 
-// The message cut to this length, and claiming it.
+// Truncates the message and sets its length to match.
 AddressDump collectShortened(const std::string& message, std::size_t length) {
   std::string cut = message.substr(0, length);
   const auto claimed = static_cast<std::uint32_t>(length);

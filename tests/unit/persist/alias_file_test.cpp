@@ -22,7 +22,7 @@ TEST(InterfaceConfigPath, IsAFixedPrefixAndTheLabel) {
   for (const auto& [label, path] : table) EXPECT_EQ(interfaceConfigPath(label), path);
 }
 
-// The first three lines at least: a fourth depends on the machine.
+// The first three lines. Whether there is a fourth depends on the machine.
 std::string contentOf(LabelledAddress alias) {
   const TemporaryDirectory directory;
   std::FILE* file = std::fopen((directory / "new").c_str(), "w");

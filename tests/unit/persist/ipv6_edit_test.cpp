@@ -16,10 +16,10 @@
 namespace addrtool::testing {
 namespace {
 
-// What became of a file.
+// The result of an edit.
 struct Edited {
   int result = 0;
-  std::string contents;  // as written, which counts only when the result is 0
+  std::string contents;  // of the new file; ignored unless the result is 0
   std::string said;      // on each of the two output streams
 
   bool operator==(const Edited&) const = default;
@@ -29,8 +29,8 @@ void PrintTo(const Edited& edited, std::ostream* stream) {
   *stream << "result " << edited.result << ", said '" << edited.said << "'\n" << edited.contents;
 }
 
-// In a child of its own, so that what it says can be read. With this errno on the way in, which
-// ends up in what it says.
+// Runs the edit in a child process to capture its messages. They end in the system error if errno
+// is set at the start.
 Edited edit(FileWriter writer, const std::string& address, const std::string& contents,
             int error = 0) {
   const TemporaryDirectory directory;
@@ -99,33 +99,33 @@ TEST(IPv6Adding, PutsTheAddressFirstInTheList) {
        "A=1\nIPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::2/64 2001:db8::3/48\"\nB=2\n"},
       {"IPV6ADDR_SECONDARIES=2001:db8::2/64",  // without a line feed
        "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::2/64\"\n"},
-      // A list in quotes loses its last prefix length.
+      // The last entry of a quoted list loses its prefix length (required).
       {"IPV6ADDR_SECONDARIES=\"2001:db8::2/64\"\n",
        "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::2/0\"\n"},
       {"IPV6ADDR_SECONDARIES='2001:db8::3/64 2001:db8::2/64'\n",
        "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::3/64 2001:db8::2/0\"\n"},
-      // Entries are rewritten as they were read.
+      // Addresses keep their spelling; prefix lengths are parsed.
       {"IPV6ADDR_SECONDARIES= 2001:DB8:0::2/+064   junk/x\t/1\n",
        "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:DB8:0::2/64 junk/0 /1\"\n"},
-      // An address is listed as often as it is added.
+      // An address that is in the list already is listed twice.
       {"IPV6ADDR=2001:db8::5/64\nIPV6ADDR_SECONDARIES=2001:db8::5/64\n",
        "IPV6ADDR=2001:db8::5/64\n"
        "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::5/64\"\n"},
-      // An empty list beside a full one is kept.
+      // Empty lists beside another one are kept.
       {"IPV6ADDR_SECONDARIES=\nIPV6ADDR_SECONDARIES=a/1\nIPV6ADDR_SECONDARIES=''\n",
        "IPV6ADDR_SECONDARIES=\n"
        "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 a/1\"\n"
        "IPV6ADDR_SECONDARIES=''\n"},
-      // A second list repeats the text of the first.
+      // A second list line repeats the text of the first (required).
       {"IPV6ADDR_SECONDARIES=a/1\nA=1\nIPV6ADDR_SECONDARIES=b/2\n",
        "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 a/1\"\n"
        "A=1\n"
        "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 a/1\"\n b/2\"\n"},
-      // A key that begins like the lists is taken for it.
+      // Any key that starts with the name of the list matches.
       {"IPV6ADDR_SECONDARIES_OLD=2001:db8::2/64\n",
        "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 2001:db8::2/64\"\n"},
       {"IPV6ADDR_SECONDARIESX a=b/1\n", "IPV6ADDR_SECONDARIES=\"2001:db8::5/64 b/1\"\n"},
-      // An unfinished last line is not finished for it.
+      // A last line without a line feed does not get one.
       {"A=1\nB=2", "A=1\nB=2IPV6ADDR_SECONDARIES=\"2001:db8::5/64\"\n"},
   });
 }
@@ -151,7 +151,7 @@ TEST(IPv6Adding, TheKeyMustStartTheLine) {
 
 TEST(IPv6Removing, RemovesFromTheListOrReplacesThePrimary) {
   const std::vector<std::pair<std::string, std::vector<Row>>> table{
-      // A secondary goes and the others keep their order.
+      // The other secondaries keep their order.
       {"2001:db8::2",
        {{"IPV6ADDR=2001:db8::1/64\n"
          "IPV6ADDR_SECONDARIES=2001:db8::3/64 2001:db8::2/48 2001:db8::4/56\nB=2\n",
@@ -159,15 +159,15 @@ TEST(IPv6Removing, RemovesFromTheListOrReplacesThePrimary) {
          "IPV6ADDR_SECONDARIES=\"2001:db8::3/64 2001:db8::4/56\"\nB=2\n"},
         {"IPV6ADDR_SECONDARIES=2001:db8::3/64 2001:db8::2/64",
          "IPV6ADDR_SECONDARIES=\"2001:db8::3/64\"\n"}}},
-      // The last secondary takes the list with it.
+      // With its last secondary the list is removed.
       {"2001:db8::2",
        {{"IPV6ADDR='2001:db8::1/64'\nIPV6ADDR_SECONDARIES=\"2001:db8::2/64\"\nA=1\n",
          "IPV6ADDR='2001:db8::1/64'\nA=1\n"}}},
-      // A secondary goes as often as it is listed.
+      // Every copy of a secondary is removed.
       {"2001:db8::2",
        {{"IPV6ADDR_SECONDARIES=2001:db8::2/64 2001:db8::3/64 2001:db8:0::2/48\n",
          "IPV6ADDR_SECONDARIES=\"2001:db8::3/64\"\n"}}},
-      // The primary is followed by the first secondary.
+      // The first secondary replaces the primary.
       {"2001:db8::1",
        {{"A=1\nIPV6ADDR=2001:db8::1/64\nIPV6ADDR_SECONDARIES=2001:db8::2/48 "
          "2001:db8::3/64\nB=2\n",
@@ -176,12 +176,12 @@ TEST(IPv6Removing, RemovesFromTheListOrReplacesThePrimary) {
          "IPV6ADDR=2001:db8::2/48\n"},
         {"IPV6ADDR=2001:db8::1/64\nIPV6ADDR_SECONDARIES=\"2001:db8::2/64\"\n",
          "IPV6ADDR=2001:db8::2/0\n"}}},
-      // A promoted secondary is not removed itself.
+      // The promoted secondary is kept even if it is the address being removed.
       {"2001:db8::1",
        {{"IPV6ADDR=2001:db8::1/64\n"
          "IPV6ADDR_SECONDARIES=2001:db8::1/48 2001:db8::2/64 2001:db8::1/56\n",
          "IPV6ADDR=2001:db8::1/48\nIPV6ADDR_SECONDARIES=\"2001:db8::2/64\"\n"}}},
-      // Every list becomes the merged list.
+      // Each list line becomes the merged list.
       {"2001:db8::2",
        {{"IPV6ADDR_SECONDARIES=a/1 2001:db8::2/64\nA=1\n"
          "IPV6ADDR_SECONDARIES=\nIPV6ADDR_SECONDARIES=b/2\n",
@@ -266,7 +266,7 @@ TEST(IPv6Edits, AFailureIsReportedWithTheErrorInErrno) {
       {adding(key + "=a/1\n" + key + "=bad\n"), "bad" + cannotParse},
       {adding(key + "=%s%n\n"), "%s%n" + cannotParse},
       {adding(key + "=bad\n", ENOENT), "bad" + cannotParse + missing},
-      // The parser has set errno for a prefix length before.
+      // An earlier prefix length that is too large has set errno.
       {adding(key + "=a/65536 bad\n"),
        "bad" + cannotParse + "System error 34: Numerical result out of range\n"},
       {removing("2001:db8::1", key + "=2001:db8::1/64 bad\n"), "bad" + cannotParse},
@@ -328,7 +328,7 @@ TEST(IPv6Edits, AListLongerThanAPieceIsSplit) {
   }
 }
 
-// A file whose reading fails after that text.
+// A stream that fails after that text.
 std::FILE* openFailing(std::string& text) {
   cookie_io_functions_t functions{};
   functions.read = [](void* cookie, char* buffer, std::size_t size) -> ssize_t {

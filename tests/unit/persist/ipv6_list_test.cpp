@@ -20,13 +20,13 @@ TEST(IPv6List, IsParsedEntryByEntry) {
   const Entries cutFirst{{"2001:db8::2", 0}};
   const Entries cutLast{first, {"2001:db8::3", 0}};
   const std::vector<std::pair<std::string, Entries>> table{
-      // What follows the equals sign, split at white space.
+      // The list is the text after the equals sign, split at white space.
       {"K=2001:db8::2/64", {first}},
       {"K=2001:db8::2/64\n", {first}},
       {"K=2001:db8::2/64 2001:db8::3/48\n", {first, second}},
       {"K= \t2001:db8::2/64\v \f2001:db8::3/48\r\n", {first, second}},
       {"=2001:db8::2/64\n", {first}},
-      // Without a value, nothing.
+      // Without a value it is empty.
       {"", {}},
       {"\n", {}},
       {"K\n", {}},
@@ -37,7 +37,7 @@ TEST(IPv6List, IsParsedEntryByEntry) {
       {"K=\"\"", {}},
       {"K=''\n", {}},
       {"K=\"\"\"''\n", {}},
-      // A closing quote costs the last entry its prefix length, an opening one nothing.
+      // With a closing quote the last entry loses its prefix length (required).
       {"K=\"2001:db8::2/64\"\n", cutFirst},
       {"K='2001:db8::2/64'\n", cutFirst},
       {"K=\"2001:db8::2/64\"", cutFirst},
@@ -45,14 +45,14 @@ TEST(IPv6List, IsParsedEntryByEntry) {
       {"K=\"'\"2001:db8::2/64 2001:db8::3/64'\"\n", cutLast},
       {"K=\"2001:db8::2/64\n", {first}},
       {"K=''\"2001:db8::2/64\n", {first}},
-      // The value is as long as the place of its end in the line. Without a key that cuts the
-      // quote.
+      // Required: the length of the value is the position of its end in the line. That is too long
+      // unless there is no key.
       {"=2001:db8::2/64\"", {first}},
       // Addresses stay as they are written.
       {"K=2001:DB8:0:0::1/64 junk/7 192.0.2.1/24 /8 a=b/9\n",
        {{"2001:DB8:0:0::1", 64}, {"junk", 7}, {"192.0.2.1", 24}, {"", 8}, {"a=b", 9}}},
       {"K=x/7\n", {{"x", 7}}},
-      // A prefix length that is no number is 0.
+      // An invalid prefix length is 0.
       {"K=a/0 b/ c/64x d/-1 e/65536 f/x g/'64' h/0x40\n",
        {{"a", 0}, {"b", 0}, {"c", 0}, {"d", 0}, {"e", 0}, {"f", 0}, {"g", 0}, {"h", 0}}},
       {"K=a/65535 b/+64 c/0064 d/129\n", {{"a", 65535}, {"b", 64}, {"c", 64}, {"d", 129}}},

@@ -29,7 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 
-// What a writer was given, and what it is to do.
+// What a writer shall do, and what it was given.
 struct Script {
   int result = 0;
   std::string text = "new\n";
@@ -61,7 +61,7 @@ mode_t modeOf(const fs::path& path) {
   return status.st_mode & 07777U;
 }
 
-// Something that exists and cannot be opened, not even by root.
+// A file that exists but cannot be opened, not even by root.
 void makeSocket(const fs::path& path) {
   ASSERT_EQ(mknod(path.c_str(), S_IFSOCK | 0600U, 0), 0);
 }
@@ -77,7 +77,7 @@ struct ReplaceFile : ::testing::Test {
     EXPECT_EQ(listDirectory(directory.path()), Names{"target"});
   }
 
-  // The one file beside the target, whose name must be that of its temporary file.
+  // The temporary file, which must be the only file beside the target.
   fs::path leftover() const {
     Names names = listDirectory(directory.path());
     std::erase(names, "target");
@@ -155,7 +155,7 @@ TEST_F(ReplaceFile, TheLastOfTwoReplacementsWins) {
 }
 
 TEST_F(ReplaceFile, TheModeIsKeptIncludingSetIdAndStickyBits) {
-  // The change of owner takes set-id bits away, so these show that the mode is set after it.
+  // chown(2) clears set-id bits, so these modes show that chmod(2) comes after it.
   for (const mode_t mode : {0600U, 0644U, 0000U, 0777U, 04755U, 02755U, 06711U, 01644U, 07777U}) {
     writeFile(target, "old\n");
     ASSERT_EQ(chmod(target.c_str(), mode), 0);
@@ -288,7 +288,7 @@ TEST_F(ReplaceFile, ADirectoryAsTargetFailsAtRenameAndLeavesTheTemporaryFile) {
   EXPECT_EQ(replace(target, script, 0), -1);
   EXPECT_EQ(errno, EISDIR);
   EXPECT_EQ(script.calls, 1);
-  EXPECT_TRUE(script.hadOldFile);  // a directory opens, and fails only when it is read
+  EXPECT_TRUE(script.hadOldFile);  // a directory can be opened but not read
   EXPECT_EQ(script.oldText, "");
   EXPECT_TRUE(fs::is_directory(target));
   EXPECT_EQ(readFile(leftover()), "new\n");
@@ -359,7 +359,7 @@ TEST_F(ReplaceFile, EveryDescriptorIsClosedAfterwards) {
   EXPECT_EQ(openDescriptors(), before);
 }
 
-// A path of that length, in directories that exist.
+// A path of that length in existing directories.
 std::string makeLongPath(const fs::path& base, std::size_t length) {
   std::string path = base;
   while (length - path.size() > 240) {

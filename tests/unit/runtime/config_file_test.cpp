@@ -28,7 +28,7 @@ namespace {
 using Definitions = std::vector<std::pair<std::string, std::string>>;
 using Log = std::vector<LoggedMessage>;
 
-// Reads files into one table, with the log caught.
+// Reads files into one table and records the log.
 struct ConfigFile : ::testing::Test {
   int readPath(const std::string& path) {
     table.reset(static_cast<RuntimeConfiguration*>(std::calloc(1, sizeof(RuntimeConfiguration))));
@@ -51,7 +51,7 @@ struct ConfigFile : ::testing::Test {
     return result;
   }
 
-  // What the only line of a file defines or gets logged.
+  // Expects what a file with this one line defines or logs.
   void expectDefinition(const std::string& line, const std::string& name,
                         const std::string& value) {
     EXPECT_EQ(readText(line), 0);
@@ -94,7 +94,7 @@ TEST_F(ConfigFile, ADefinitionIsANameWhiteSpaceAndAValue) {
 }
 
 TEST_F(ConfigFile, AValueEndsAtAHashAndKeepsInnerAndSomeTrailingWhiteSpace) {
-  // What follows the name, and the value.
+  // The text after "NAME " and the value that it defines.
   const std::vector<std::pair<const char*, const char*>> rows{
       {"value\n", "value"},
       {"value", "value"},
@@ -233,7 +233,7 @@ TEST_F(ConfigFile, AFileThatCannotBeOpenedFailsWithItsErrno) {
     EXPECT_EQ(readPath(path), -1);
     EXPECT_EQ(errno, error);
     EXPECT_EQ(LogRecorder::take(), (Log{cannotOpen(path, reason)}));
-    EXPECT_EQ(table->capacity, 20U);  // room was made first
+    EXPECT_EQ(table->capacity, 20U);  // the slots were allocated first
   }
 }
 
@@ -248,7 +248,7 @@ TEST_F(ConfigFile, AFileThatCannotBeReadToItsEndFails) {
             (Log{{12, "Unable to read configuration file: Input/output error"}}));
 }
 
-// A signal ends the read of a FIFO behind a partial line, which the recorder then sets errno for.
+// A signal interrupts the read of a FIFO after a partial line. Logging that line changes errno.
 TEST_F(ConfigFile, AReadErrorKeepsItsErrnoWhenAPartialLineIsLogged) {
   const std::string fifo = directory / "fifo";
   ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
@@ -284,7 +284,7 @@ TEST_F(ConfigFile, AFailedCloseKeepsTheErrnoOfTheFirstFailure) {
 TEST_F(ConfigFile, AFailedReadSortsTheTableAndAFailedStoreDoesNot) {
   writeFile(directory / "kel.conf", "B 1\nA 2\nC 3\n");
   {
-    const FailingAllocations failing(9);  // table, slots, line, copies, line, copies, line
+    const FailingAllocations failing(9);  // after table, slots, line, two copies, line, two copies
     EXPECT_EQ(readPath(directory / "kel.conf"), -1);
     EXPECT_EQ(table->sorted, 1);
     EXPECT_EQ(definitions(), (Definitions{{"A", "2"}, {"B", "1"}}));
@@ -318,7 +318,7 @@ TEST_F(ConfigFile, EveryFailedAllocationFailsTheReading) {
     }
     EXPECT_LE(definitions().size(), all.size());
   }
-  EXPECT_EQ(failures, 1 + 22 + 2 * 21 + 1);  // slots, lines with the end, copies, more slots
+  EXPECT_EQ(failures, 1 + 22 + 2 * 21 + 1);  // slots, lines and end of file, copies, more slots
   EXPECT_EQ(definitions(), all);
 }
 

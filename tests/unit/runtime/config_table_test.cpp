@@ -121,7 +121,7 @@ TEST(GrowConfig, OutOfMemoryIsLogged) {
 }
 
 TEST(GrowConfig, FailsAboveTheLargestCapacityWithoutAllocating) {
-  // Tables that only say they are this full; what memory is asked for is refused.
+  // These tables only claim to be this full. Every allocation fails.
   struct Row {
     std::uint32_t capacity;
     std::uint32_t count;
@@ -271,7 +271,7 @@ TEST(FreeConfig, AcceptsATableInAnyState) {
 
   Table table = makeTable();
   fill(table, 21);
-  table->count = 3;  // what is stored beyond the count is freed as well
+  table->count = 3;  // entries beyond the count are freed as well
   freeConfig(table.release());
 }
 

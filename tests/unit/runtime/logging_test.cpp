@@ -44,7 +44,7 @@ TEST(ConsoleLog, PrintsFormattedLinesOnBothStreams) {
 }
 
 TEST(ConsoleLog, PrintsPrioritiesUpToTheThresholdIncludingFacilityBits) {
-  // 12 is a mere warning (4) with the user facility (8), and yet above the threshold.
+  // 12 is a warning (4) with the user facility (8). As a number it is above the threshold.
   for (const int priority : {-1, 0, 3, 6}) {
     EXPECT_EQ(runInChild([&] { logMessage(priority, "text"); }), onBothStreams("text\n"))
         << "for priority " << priority;

@@ -24,7 +24,7 @@ Outcome onBothStreams(const std::string& text, int status = 0) {
   return {status, 0, text, text};
 }
 
-// What a child prints that reports the text while errno is `error`.
+// What a child process prints when it reports the text while errno is `error`.
 Outcome reportWithErrno(int error, const std::string& text, int status = 0) {
   return runInChild([&] {
     errno = error;
@@ -52,7 +52,7 @@ TEST(PrintMessage, EndsAMessageWithOneNewline) {
 }
 
 TEST(PrintMessage, AnEmptyMessageIsALoneNewline) {
-  // A newline stands right before the empty text, where nobody may look for one.
+  // The byte before the empty text is a newline. It must not be read.
   const std::array<char, 2> text{'\n', '\0'};
   EXPECT_EQ(runInChild([&] { printMessage(&text[1], 0, 1); }), onBothStreams("\n"));
 }
@@ -180,7 +180,7 @@ TEST(ReportMessage, TheSystemErrorIsTruncatedIfTheBufferCannotGrow) {
     const std::string text(length, 'x');
     EXPECT_EQ(reportShortOfMemory(13, text, 2, 2),
               onBothStreams(text + permissionSuffix.substr(0, 4095 - length) +
-                            (length == 4094 ? "" : "\n")))  // cut behind its own line break
+                            (length == 4094 ? "" : "\n")))  // truncated after its own newline
         << "for length " << length;
   }
   const std::string text(4096, 'x');
@@ -201,7 +201,7 @@ TEST(ReportMessage, OutOfMemoryPrintsAFixedText) {
 }
 
 TEST(ReportMessage, FormattingDoesNotChangeErrno) {
-  // The C locale has no form for this character: formatting fails and sets errno to EILSEQ.
+  // The C locale cannot encode this character, so formatting fails and sets errno to EILSEQ.
   const auto reportUnprintable = [](int error) {
     return runInChild([&] {
       errno = error;
