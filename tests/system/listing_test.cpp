@@ -170,6 +170,7 @@ TEST(Listing, ContinuesAfterAShortOrInterruptedWriteAndStopsAtAFailure) {
       {{"write:error=EINTR:when=2"}, freshListing, 3},
       {{"write:error=EAGAIN:when=1", "/poll:error=EINTR:when=1"}, freshListing, 3},
       {{"write:error=EAGAIN:when=2", "/poll:error=ENOMEM"}, line1, 2},
+      {{"write:retval=0:when=2"}, line1, 2},
       {{"write:error=ENOSPC:when=1"}, "", 1},
       {{"write:error=ENOSPC:when=2"}, line1, 2},
   };

@@ -73,11 +73,30 @@ TEST(StreamsInOrder, TheOutputOfACommandComesBeforeTheMessageOfItsFailure) {
             "/sbin/ifconfig eth0 add 2001:db8::2/64 exited with non-zero status 7\n");
 }
 
-TEST(StreamsInOrder, AnswersComeBeforeAReportOnAnInterfaceFile) {
+TEST(StreamsInOrder, TheWordsOfACommandComeBeforeTheFailureOfItsFile) {
+  makeIfconfigSpeak(0);
+  fs::remove_all(networkScripts);
+  EXPECT_EQ(outputOf("-l -a eth0 192.0.2.2 255.255.255.0"), freshListing + "complaint\nremark\n" +
+                                                                interfaceFile("eth0:1").string() +
+                                                                ": No such file or directory\n");
+}
+
+TEST(StreamsInOrder, AReportOnAnInterfaceFileComesAfterEverythingBefore) {
   writeFile(interfaceFile("eth0"), "IPV6ADDR_SECONDARIES=2001:db8::9\n");
-  const std::string output = outputOf("-v 10.0.0.1 -a eth0 2001:db8::2 64");
+  makeIfconfigSpeak(0);
+  const std::string before = freshListing + "0complaint\nremark\n";
+  const std::string output = outputOf("-v 10.0.0.1 -l -a eth0 2001:db8::2 64");
+  ASSERT_TRUE(output.starts_with(before)) << output;
+  expectTwice("2001:db8::9: cannot parse IPv6 address\n", output.substr(before.size()));
+}
+
+TEST(StreamsInOrder, AReportOnAnInterfaceFileComesBeforeTheMessageOfALaterFailure) {
+  ip("address add 2001:db8::5/64 dev eth0 nodad");
+  const std::string output = outputOf("-v 10.0.0.1 -d 2001:db8::1 -d 192.0.2.1");
   ASSERT_TRUE(output.starts_with('0')) << output;
-  expectTwice("2001:db8::9: cannot parse IPv6 address\n", output.substr(1));
+  ASSERT_TRUE(output.ends_with(mainAddressKept)) << output;
+  expectTwice("Cannot remove last IPv6 address 2001:db8::1\n",
+              output.substr(1, output.size() - 1 - mainAddressKept.size()));
 }
 
 }  // namespace
