@@ -122,7 +122,8 @@ TEST(AddAddress, RefusesAnInterfaceWithoutAnAddress) {
   addInterface("eth1", {});
   addInterface("eth2", {"169.254.1.1/16 scope link"});
   addAlias("eth0:1", "192.0.2.10/24");
-  for (const char* interface : {"eth1", "eth2", "eth0:1", "eth9", "ETH0", "eth", "lo", "eth0 "}) {
+  for (const char* interface :
+       {"eth1", "eth2", "eth0:1", "eth9", "ETH0", "eth", "lo", "eth0 ", "eth0\nx"}) {
     expectRefused({"-a", interface, "10.0.0.1", "255.255.255.0"},
                   std::string(interface) + ": no such network interface.");
   }

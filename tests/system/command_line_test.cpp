@@ -72,6 +72,13 @@ TEST(CommandLine, BadOptionsAloneAreReportedBeforeTheUsageText) {
   }
 }
 
+// Traced because an emulator would give the program another name; no trace works there.
+TEST(CommandLine, ErrorsStartWithArgv0) {
+  prepare("ln -s \"$(command -v addrtool)\" /etc/another-name");
+  EXPECT_EQ(traceCommand({"-e", "trace=none"}, {"/etc/another-name", "-x"}).outcome,
+            (Outcome{2, 0, "", "/etc/another-name: invalid option -- 'x'\n" + usageText}));
+}
+
 TEST(CommandLine, ABadOptionStopsNoAction) {
   EXPECT_EQ(runAddrtool({"-x", "-l"}),
             (Outcome{0, 0, freshListing, "addrtool: invalid option -- 'x'\n"}));
@@ -103,6 +110,7 @@ TEST(CommandLine, LeftoverOperandsEndTheProgramBeforeAnyAction) {
                                                    {"-l", "--", "-l"},
                                                    {"-v", "10.0.0.1", "extra", "more"},
                                                    {"-h", "extra"},
+                                                   {"--help", "extra"},
                                                    {"-d", "192.0.2.1", "extra"},
                                                    {"-l", ""}}) {
     const Outcome outcome = runAddrtool(arguments);
@@ -193,6 +201,25 @@ INSTANTIATE_TEST_SUITE_P(
                                  failure("eth9: no such network interface."),
                                  {two}}),
     [](const auto& row) { return row.param.rule; });
+
+TEST(CommandLine, AFailingListingStopsTheOtherActions) {
+  addAlias("eth0:1", "192.0.2.10/24");
+  expectRefusedWith("inject=sendto:error=ENOBUFS:when=1",
+                    {"-l", "-v", "10.0.0.1", "-d", "192.0.2.10"},
+                    "Can not send RTM_GETADDR request: No buffer space available");
+}
+
+// Copies of the long address take more memory than the program may have. A sanitizer and an
+// emulator need more than that from the start: the test is not built with the one, and it is traced
+// because no trace works under the other.
+#if !ADDRTOOL_SANITIZED
+TEST(CommandLine, AnActionThatRunsOutOfMemoryIsReported) {
+  const Trace trace =
+      traceCommand({"-e", "trace=none"}, {"prlimit", "--data=600000", "addrtool", "-a", "eth0",
+                                          std::string(120000, '1'), "255.255.255.0"});
+  EXPECT_EQ(trace.outcome, failure("std::bad_alloc"));
+}
+#endif
 
 TEST(CommandLine, DeletesRunInTheOrderOfTheCommandLine) {
   addAlias("eth0:1", "192.0.2.10/24");

@@ -57,10 +57,22 @@ TEST_F(ConfigurationLoading, ComesBeforeTheFirstAction) {
   EXPECT_EQ(runShell("timeout 1 addrtool -l -h"), (Outcome{124, 0, "", ""}));
 }
 
-TEST_F(ConfigurationLoading, HappensOnce) {
-  ASSERT_EQ(mkfifo(config.c_str(), 0600), 0);
-  EXPECT_EQ(runShell("echo NAME value >/etc/kel/kel.conf & timeout 20 addrtool -l -l"),
-            success(freshListing + freshListing));
+TEST_F(ConfigurationLoading, HappensOnceForEveryAction) {
+  const std::vector<std::pair<Lines, int>> rows{
+      {{"-l", "-l"}, 0},
+      {{"-h"}, 2},
+      {{"-d", "192.0.2.1"}, 1},
+      {{"-v", "10.0.0.1"}, 0},
+      {{"-a", "eth0", "192.0.2.10", "255.255.255.0"}, 0},
+  };
+  for (const auto& [arguments, status] : rows) {
+    Lines command{"addrtool"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const auto [outcome, calls] =
+        traceCommand({"-P", config, "-e", "trace=?open,openat", "-e", "signal=none"}, command);
+    EXPECT_EQ(outcome.exitStatus, status) << arguments[0];
+    EXPECT_EQ(calls.size(), 1U) << arguments[0];
+  }
 }
 
 }  // namespace

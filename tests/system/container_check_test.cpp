@@ -37,5 +37,9 @@ TEST(ContainerCheck, AnswersADigitForEachAddressAndNothingElse) {
   }
 }
 
+TEST(ContainerCheck, AnAnswerThatCannotBeWrittenIsLostSilently) {
+  EXPECT_EQ(runShell("addrtool -v 10.0.0.1 >/dev/full"), silentSuccess);
+}
+
 }  // namespace
 }  // namespace addrtool::testing

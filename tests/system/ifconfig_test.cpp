@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <bit>
 #include <utility>
 
 #include "support/sandbox_machine.h"
@@ -65,9 +66,27 @@ TEST_P(RunIfconfigSignal, IsReportedIfItKilledTheCommand) {
   recordIfconfig(killShell(GetParam()));
   EXPECT_EQ(ifconfigFailure("eth0"),
             "/sbin/ifconfig eth0 killed with signal " + std::to_string(GetParam()));
+  EXPECT_EQ(recordedCommands().size(), 1U) << "it is not tried again";
 }
 
 INSTANTIATE_TEST_SUITE_P(Fatal, RunIfconfigSignal, ::testing::Values(1, 9, 15));
+
+// Whether a core file is written depends on the machine, so the wait status is given here: signal
+// 11 and the core bit, in the byte order of the machine.
+TEST(RunIfconfig, NamesTheSignalOfACommandThatDumpedCore) {
+  const char* const status = std::endian::native == std::endian::little ? "8b000000" : "0000008b";
+  const Trace trace = traceCommand({"-e", std::string("inject=wait4:poke_exit=@arg2=") + status},
+                                   {"addrtool", "-a", "eth0", "2001:db8::5", "64"});
+  EXPECT_EQ(trace.outcome, failure("/sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 11"));
+}
+
+TEST(RunIfconfig, SetsNoTimeLimit) {
+  const auto [outcome, calls] = traceCommand(
+      {"-f", "-e", "trace=?alarm,setitimer,timer_create,timerfd_create", "-e", "signal=none"},
+      {"addrtool", "-a", "eth0", "2001:db8::5", "64"});
+  EXPECT_EQ(outcome, silentSuccess);
+  EXPECT_EQ(calls, Lines{});
+}
 
 TEST(RunIfconfig, ReportsAMissingCommandAsTheShellDoes) {
   const MachineState before;

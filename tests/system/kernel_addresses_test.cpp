@@ -121,17 +121,22 @@ TEST(KernelAddresses, AFailingCallIsReportedAndTheSocketClosed) {
 }
 
 TEST(KernelAddresses, AFailingCloseDoesNotChangeTheMessage) {
-  // The dynamic loader closes files before the socket is opened.
-  const Trace rehearsal = traceListing({"inject=recvfrom:error=ENOMEM"});
-  const auto all = callsStarting("close(", rehearsal.calls).size();
-  const auto late = callsStarting("close(", callsFrom(openSocket, rehearsal)).size();
-  const Trace trace =
-      traceListing({"inject=recvfrom:error=ENOMEM",
-                    "inject=close:error=EIO:when=" + std::to_string(all - late + 1)});
-  expectFailure(trace, "Can not get RTM_GETADDR request response: Cannot allocate memory");
-  const Lines calls = callsFrom(openSocket, trace);
-  EXPECT_EQ(callsStarting("close(", calls).at(0),
-            "close(" + socketNumber(calls) + ") = -1 EIO (Input/output error) (INJECTED)");
+  for (const auto& [call, message] :
+       {std::pair("sendto", "Can not send RTM_GETADDR request: Cannot allocate memory"),
+        std::pair("recvfrom",
+                  "Can not get RTM_GETADDR request response: Cannot allocate memory")}) {
+    // The dynamic loader closes files before the socket is opened.
+    const std::string injection = "inject=" + std::string(call) + ":error=ENOMEM";
+    const Trace rehearsal = traceListing({injection});
+    const auto all = callsStarting("close(", rehearsal.calls).size();
+    const auto late = callsStarting("close(", callsFrom(openSocket, rehearsal)).size();
+    const Trace trace =
+        traceListing({injection, "inject=close:error=EIO:when=" + std::to_string(all - late + 1)});
+    expectFailure(trace, message);
+    const Lines calls = callsFrom(openSocket, trace);
+    EXPECT_EQ(callsStarting("close(", calls).at(0),
+              "close(" + socketNumber(calls) + ") = -1 EIO (Input/output error) (INJECTED)");
+  }
 }
 
 TEST(KernelAddresses, AMalformedReplyIsReportedAndTheSocketClosed) {

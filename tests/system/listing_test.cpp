@@ -265,6 +265,16 @@ TEST(MainAddress, IsTheFirstIPv4AddressOfTheFirstInterface) {
   EXPECT_EQ(printInventory("main-address"), success("192.0.2.1\n"));
 }
 
+// A buffer that is left at the end of the process would be lost here.
+TEST(MainAddressAndInterfaceNames, AreWrittenAtOnce) {
+  EXPECT_EQ(runInChild([] {
+              printMainAddress();
+              printInterfaceNames();
+              _exit(0);
+            }),
+            success("192.0.2.1\neth0\n"));
+}
+
 TEST(MainAddress, MayBeAnAlias) {
   ip(R"(address delete 192.0.2.1/24 dev eth0
         address add 192.0.2.2/24 dev eth0 label eth0:2
@@ -294,8 +304,9 @@ TEST(InterfaceNames, AreSortedAndUnique) {
         address add 10.1.0.1/16 dev eth1
         address add 10.1.0.2/16 dev eth1 label eth1:1
         address add 2001:db8:2::1/64 dev wlan0 nodad
-        address add 192.0.2.2/24 dev eth0)");
-  EXPECT_EQ(printInventory("interface-names"), success("eth0\neth1\nwlan0\n"));
+        address add 192.0.2.2/24 dev eth0)"
+     "\nlink set peer1 name \xff\naddress add 10.2.0.1/16 dev \xff");
+  EXPECT_EQ(printInventory("interface-names"), success("eth0\neth1\nwlan0\n\xff\n"));
 }
 
 TEST(InterfaceNames, EndAtTheFirstColonAndAreMerged) {

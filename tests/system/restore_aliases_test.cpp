@@ -51,6 +51,12 @@ TEST(RestoreAliases, RestoresOnlyVanishedAliasesAndWritesNoFile) {
   EXPECT_EQ(networkFiles(), files);
 }
 
+TEST(RestoreAliases, RestoresALabelThatOnlyAHostScopeAddressHas) {
+  addAliases(2);
+  addAlias("eth0:2", "10.0.0.1/32 scope host");
+  expectCommandLines({"-d", "198.51.100.1"}, {"/sbin/ifconfig 'eth0:1' down", upCommand(2)});
+}
+
 TEST(RestoreAliases, RestoresPrefixLengthsEvenIfNoAddressIsLeft) {
   addInterface("eth1", {});
   addAlias("eth1:1", "203.0.113.1/30");

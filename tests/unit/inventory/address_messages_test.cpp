@@ -148,6 +148,15 @@ TEST(AddressMessages, InterfacesComeInTheOrderOfTheirNames) {
                   }));
 }
 
+TEST(AddressMessages, InterfacesAndAliasesComeInTheOrderOfUnsignedBytes) {
+  const std::string datagram =
+      datagramOf({onInterface(1, ipv4("192.0.2.1", "e:\xff")),
+                  onInterface(1, ipv4("192.0.2.2", "e:a")), onInterface(2, ipv4("192.0.2.3"))});
+  const auto dump = collect({datagram}, false, [](unsigned i) { return i == 1 ? "\xff" : "a"; });
+  EXPECT_EQ(dump.begin()->first, "a");
+  EXPECT_EQ(dump.at("\xff").aliases.begin()->first, "a");
+}
+
 // Collects the datagrams and returns the indexes whose names were looked up.
 std::vector<unsigned> askedFor(const std::vector<std::string>& datagrams) {
   std::vector<unsigned> asked;

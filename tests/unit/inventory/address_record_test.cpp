@@ -13,9 +13,19 @@ namespace {
 
 TEST(PrefixToNetmask, ReturnsTheDottedMaskOfALength) {
   const std::vector<std::pair<std::uint16_t, std::string>> table{
-      {1, "128.0.0.0"},        {8, "255.0.0.0"},       {9, "255.128.0.0"},
-      {16, "255.255.0.0"},     {24, "255.255.255.0"},  {30, "255.255.255.252"},
-      {31, "255.255.255.254"}, {32, "255.255.255.255"}};
+      {1, "128.0.0.0"},
+      {8, "255.0.0.0"},
+      {9, "255.128.0.0"},
+      {16, "255.255.0.0"},
+      {24, "255.255.255.0"},
+      {30, "255.255.255.252"},
+      {31, "255.255.255.254"},
+      {32, "255.255.255.255"},
+      // The shift wraps, so only the length modulo 32 counts.
+      {33, "128.0.0.0"},
+      {64, "255.255.255.255"},
+      {128, "255.255.255.255"},
+      {65535, "255.255.255.254"}};
   for (const auto& [length, netmask] : table) {
     EXPECT_EQ(prefixToNetmask({"192.0.2.1", length}), netmask) << "for length " << length;
   }
@@ -45,6 +55,29 @@ TEST(NetmaskToPrefix, RefusesAnInvalidMask) {
   for (const std::string text :
        {"24", "255.255.255", "", "255.255.255.256", "255.255.255.0 ", "ffff::", "mask"}) {
     EXPECT_EQ(failureOf([&] { netmaskToPrefix(text); }), text + ": cannot convert to netmask");
+  }
+}
+
+TEST(IsSameIPv6Address, ComparesTheValuesNotTheTexts) {
+  struct Row {
+    std::string one;
+    std::string other;
+    bool isSame;
+  };
+  const std::vector<Row> table{
+      {"2001:db8::1", "2001:DB8:0::1", true},
+      {"2001:db8::1", "2001:db8::2", false},
+      {"::ffff:192.0.2.1", "::FFFF:c000:201", true},
+      {"::ffff:192.0.2.1", "::ffff:192.0.2.2", false},
+      {"::ffff:192.0.2.1", "::192.0.2.1", false},
+      // A text that is no IPv6 address equals nothing, not even itself.
+      {"192.0.2.1", "192.0.2.1", false},
+      {"192.0.2.1", "::ffff:192.0.2.1", false},
+      {"::1", "", false},
+  };
+  for (const auto& [one, other, isSame] : table) {
+    EXPECT_EQ(isSameIPv6Address(one, other), isSame) << one << " and " << other;
+    EXPECT_EQ(isSameIPv6Address(other, one), isSame) << other << " and " << one;
   }
 }
 

@@ -207,7 +207,8 @@ TEST(IPv6Removing, AnySpellingOfTheAddressMatches) {
 TEST(IPv6Removing, QuotesBlanksAndPrefixLengthOfThePrimaryAreIgnored) {
   for (const std::string value :
        {"2001:db8::1/64\n", "2001:db8::1\n", "\"2001:db8::1/64\"\n", "'2001:db8::1/64'\n",
-        " \t'\" 2001:db8::1 \"'\r\n", "2001:db8::1/64/x\n", "2001:db8::1/\n", "2001:db8::1"}) {
+        " \t'\" 2001:db8::1 \"'\r\n", "\r2001:db8::1\t\n", "2001:db8::1/64/x\n", "2001:db8::1/\n",
+        "2001:db8::1"}) {
     expectRemoved("2001:db8::1",
                   {{"IPV6ADDR_SECONDARIES=a/1\nIPV6ADDR=" + value, "IPV6ADDR=a/1\n"}});
   }
