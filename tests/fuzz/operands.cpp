@@ -141,6 +141,7 @@ Outcome modelAdd(const std::string& interface, const std::string& address, const
   if (address.find(':') != std::string::npos) {
     const auto number = modelUnsigned16(third).value;
     if (!number) return refused(third + ": cannot convert to int");
+    if (isTooLong(interface)) return refused(interface + ": alias label too long.");
     return ran(ipv6Command(interface, "add", {address, *number}), ending);
   }
   const auto mask = modelDottedQuad(third);

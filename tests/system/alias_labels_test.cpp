@@ -104,6 +104,17 @@ TEST(AliasLabels, AnAliasWhoseLabelStillFitsIsDeleted) {
   EXPECT_EQ(kernelAddresses(), withFreshAddresses({name13 + " 10.1.1.1/24"}));
 }
 
+// ifconfig would add to the interface with the truncated name.
+TEST(AliasLabels, AnIPv6AddOnALabelThatIsTooLongIsRefused) {
+  makeInterface(name15);
+  for (const std::string& label : {name15 + ":1", name15 + "6"}) {
+    expectRefusal({"-a", label, "2001:db8:1::9", "64"}, label + ": alias label too long.");
+    expectRefusal({"-a", label, "2001:db8:1::9", "x"}, "x: cannot convert to int");
+  }
+  const std::string command = " add 2001:db8:1::9/64";
+  expectCommandLines({"-a", name15, "2001:db8:1::9", "64"}, {"/sbin/ifconfig " + name15 + command});
+}
+
 // With the first alias of the subnet the kernel drops the other three.
 TEST(AliasLabels, RestoringStopsAtALabelThatIsTooLong) {
   makeInterface("eth5");

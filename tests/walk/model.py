@@ -224,6 +224,7 @@ class Run:
         prefix = interface_file.parse_prefix(length)
         if prefix is None:
             raise Failure(f"{length}: cannot convert to int")
+        require_short_label(name)
         self.ifconfig(
             f"{name} add {text}/{prefix}",
             kernel_model.ifconfig_add_ipv6(
@@ -343,9 +344,13 @@ class Run:
 
 def label_of(name, suffix):
     label = f"{name}:{suffix}"
+    require_short_label(label)
+    return label
+
+
+def require_short_label(label):
     if is_too_long(label):
         raise Failure(f"{label}: alias label too long.")
-    return label
 
 
 def is_too_long(label):
