@@ -37,7 +37,7 @@ TEST(ContainerCheck, AnswersADigitForEachAddressAndNothingElse) {
   }
 }
 
-TEST(ContainerCheck, AnAnswerThatCannotBeWrittenIsLostSilently) {
+TEST(ContainerCheck, IgnoresThatTheAnswerCannotBeWritten) {
   EXPECT_EQ(runShell("addrtool -v 10.0.0.1 >/dev/full"), silentSuccess);
 }
 
