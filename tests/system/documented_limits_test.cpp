@@ -111,34 +111,6 @@ TEST(AliasLabelAsInterface, KeepsAnIPv6AddressInTheFileOfTheAlias) {
   EXPECT_EQ(networkFiles(), files);
 }
 
-class LongInterfaceName : public ::testing::Test {
- protected:
-  LongInterfaceName() { ip("link add " + shortName + " type bridge"); }
-
-  const std::string shortName = "enx001122334455";  // 15 bytes, as the kernel allows
-  const std::string longName = shortName + '6';
-};
-
-TEST_F(LongInterfaceName, GivesAnIPv6AddressToTheInterfaceWithTheTruncatedName) {
-  writeFile(interfaceFile(shortName), "DEVICE=" + shortName + '\n');
-  const NetworkFiles files = networkFiles();
-  EXPECT_EQ(runAddrtool({"-a", longName, "2001:db8::5", "64"}), silentSuccess);
-  EXPECT_EQ(kernelAddresses(), withFreshAddresses({shortName + " 2001:db8::5/64"}));
-  EXPECT_EQ(networkFiles(), files);
-}
-
-TEST_F(LongInterfaceName, NamesTheFileThatGetsAnIPv6Address) {
-  writeFile(interfaceFile(longName), "");
-  EXPECT_EQ(runAddrtool({"-a", longName, "2001:db8::5", "64"}), silentSuccess);
-  EXPECT_EQ(valuesInShell(longName, {"IPV6ADDR_SECONDARIES"}), Lines{"2001:db8::5/64"});
-}
-
-TEST_F(LongInterfaceName, IsNotFoundByAnIPv4Add) {
-  ip("address add 10.1.1.1/24 dev " + shortName);
-  expectRefused({"-a", longName, "10.1.1.2", "255.255.255.0"},
-                longName + ": no such network interface.");
-}
-
 TEST(MainAddressThatIsAnAliasToo, IsNotDeleted) {
   ip("address add 10.0.0.1/24 dev eth0");
   addAlias("eth0:1", "10.0.0.1/16");
