@@ -21,9 +21,9 @@ void addAddress(const std::string& interface, const std::string& address,
 /// the alias file. The interface must have an address already.
 ///
 /// Raises std::runtime_error before anything is changed: the interface followed by ": no such
-/// network interface.", or by ": no free alias number." when every number is taken or makes a label
-/// that is too long for the kernel. Also raises what readKernelAddresses, bringUpAlias and
-/// writeAliasFile raise.
+/// network interface." if it has no address, or by ": no free alias number." if every number is
+/// taken or makes the label too long for the kernel. Also raises what readKernelAddresses,
+/// bringUpAlias and writeAliasFile raise.
 void addIPv4Address(const std::string& interface, const AddressRecord& record);
 
 /// Adds the record to the interface itself and to the list in the interface's file. Checks nothing

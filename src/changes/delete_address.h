@@ -14,11 +14,12 @@ namespace addrtool {
 void deleteAddress(const std::string& address);
 
 /// Deletes the first alias with exactly this address text, and its file. Then restores the aliases
-/// that vanished with it. Interfaces are searched in name order.
+/// that the kernel removed with it. Interfaces are searched in name order.
 ///
 /// Raises std::runtime_error before anything is changed: the address followed by ": cannot delete
-/// main IP on interface" or ": not configured.". Also raises what readKernelAddresses and
-/// takeDownAlias raise. The label may be too long when the interface was renamed.
+/// main IP on interface" or ": not configured.". Also raises what readKernelAddresses,
+/// takeDownAlias (the label can be too long after a rename of the interface) and restoreAliases
+/// raise.
 void deleteIPv4Address(const std::string& address);
 
 /// Deletes the first IPv6 address with the same value, whatever its written form, and removes it
@@ -29,10 +30,10 @@ void deleteIPv4Address(const std::string& address);
 /// IPv4 message). Also raises what readKernelAddresses and removeIPv6FromRunningInterface raise.
 void deleteIPv6Address(const std::string& address);
 
-/// Restores the aliases of the snapshot that the kernel no longer has: with the first address of a
-/// subnet it drops the others. The snapshot was taken before `deletedSuffix` was deleted; that
-/// alias is not restored. Compares suffixes only, not addresses. Stops at the first failure; raises
-/// what readKernelAddresses and bringUpAlias raise.
+/// Restores the aliases of the snapshot that the kernel no longer has. When the kernel removes the
+/// first address of a subnet, it also removes the others. The snapshot must be taken before the
+/// alias `deletedSuffix` is deleted; that alias is not restored. Compares suffixes only, not
+/// addresses. Stops at the first failure. Raises what readKernelAddresses and bringUpAlias raise.
 void restoreAliases(const std::string& interface, const AliasMap& snapshot,
                     const std::string& deletedSuffix);
 

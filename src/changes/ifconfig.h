@@ -1,5 +1,5 @@
-// The one way to change the running network: /sbin/ifconfig, and every command that is run through
-// it. Each function raises what runIfconfig raises.
+// Changes the running network. Only this file runs /sbin/ifconfig, and it contains the text of
+// every command. Each function that runs a command raises what runIfconfig raises.
 #pragma once
 
 #include <string>
@@ -18,13 +18,13 @@ namespace addrtool {
 /// command that it waits for is killed. A failure of system(3) itself counts as status 255.
 void runIfconfig(const std::string& arguments);
 
-/// Whether the kernel can hold the alias label, which has at most 15 bytes. /sbin/ifconfig
-/// truncates a longer label without a warning, and then changes the alias or the interface that has
-/// the truncated name.
+/// Whether the alias label fits into the 15 bytes that the kernel keeps. /sbin/ifconfig truncates a
+/// longer label without a warning, and then changes the alias or the interface that has the
+/// truncated name.
 bool kernelCanHoldLabel(const std::string& label);
 
-/// Brings an alias up with its address and netmask. Raises std::runtime_error, the label followed
-/// by ": alias label too long.", before any command runs, when the kernel cannot hold the label.
+/// Brings an alias up with its address and netmask. If the label does not fit, raises
+/// std::runtime_error, the label followed by ": alias label too long.", before any command runs.
 void bringUpAlias(const std::string& label, const AddressRecord& record);
 
 /// Takes an alias down, which removes its address. Raises as bringUpAlias does.

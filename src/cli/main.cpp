@@ -93,8 +93,8 @@ Request parseOptions(int argc, char** argv) {
   int letter = 0;
   while ((letter = getopt_long(argc, argv, shortOptions.data(), longOptions.data(), nullptr)) !=
          -1) {
-    // A bad option gives '?', which is no letter of the table. getopt has printed a complaint, and
-    // the other options still count.
+    // A bad option gives '?', which is not in the table. getopt has already reported it, and the
+    // other options still count.
     const auto* found = std::ranges::find(options, letter, &Option::letter);
     if (found != options.end()) found->apply(request);
   }
@@ -112,8 +112,8 @@ void checkOperands(const Request& request, int argc, char** argv) {
   }
 }
 
-// Runs the actions without an argument, then those with one, then the add. The order on the command
-// line only counts within each kind.
+// Runs the actions without an argument, then those with one, then the add. Within each kind, they
+// run in the order of the command line.
 void runActions(Request& request, char** operands) {
   for (; !request.plainActions.empty(); request.plainActions.pop()) {
     request.plainActions.front()();

@@ -30,8 +30,8 @@ T readFront(Bytes bytes) {
   return value;
 }
 
-// Drops an item of the given length and its padding from the front; everything when the padding
-// reaches past the end.
+// Drops an item of the given length and its padding from the front. If the padding reaches past the
+// end, drops everything.
 Bytes dropItem(Bytes bytes, std::size_t length) {
   constexpr std::size_t alignment = NLMSG_ALIGNTO;
   static_assert(alignment == RTA_ALIGNTO);
@@ -51,7 +51,7 @@ bool holdsAttribute(Bytes bytes) {
   return length >= sizeof(rtattr) && length <= bytes.size();
 }
 
-// The panel manages no temporary IPv6 addresses and none that autoconfiguration made.
+// The panel does not manage temporary IPv6 addresses or addresses from autoconfiguration.
 bool isManaged(const ifaddrmsg& header, bool includeHostScope) {
   if (header.ifa_family != AF_INET && header.ifa_family != AF_INET6) return false;
   if (header.ifa_family == AF_INET6) {
@@ -90,8 +90,8 @@ AddressAttributes readAttributes(Bytes bytes, std::size_t addressSize) {
   return found;
 }
 
-// Returns the text that inet_ntop(3) gives. That function calls sprintf(3), which would take a
-// third of the time of a long listing.
+// Returns the same text as inet_ntop(3). That function calls sprintf(3), which would take a third
+// of the time of a long listing.
 std::string ipv4Text(Bytes address) {
   std::array<char, INET_ADDRSTRLEN> text{};
   char* end = text.data();

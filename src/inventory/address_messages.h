@@ -22,8 +22,8 @@ enum class DatagramKind {
   EndOfDump,  ///< the last datagram
 };
 
-/// Classifies a datagram by its first message. The kernel sends the end of a dump in a datagram of
-/// its own, so the other messages are not examined.
+/// Classifies a datagram by its first message. The kernel sends the message that ends a dump in a
+/// separate datagram, so the other messages need no check.
 DatagramKind classifyDatagram(std::span<const std::byte> datagram);
 
 /// Collects the addresses in the datagrams of one dump.
@@ -32,8 +32,8 @@ class AddressCollector {
   /// Returns the name of the interface with this kernel index. Raises when there is none.
   using InterfaceNamer = std::function<std::string(unsigned index)>;
 
-  /// Adds addresses to `dump`. The caller must not remove entries from it, and must keep it, while
-  /// the collector exists. Accepts addresses of universe scope, and with `includeHostScope` also
+  /// Adds addresses to `dump`, which must outlive the collector. Meanwhile the caller must not
+  /// remove entries from it. Accepts addresses of universe scope, and with `includeHostScope` also
   /// those of host scope (127.0.0.1, ::1).
   AddressCollector(AddressDump& dump, bool includeHostScope, InterfaceNamer interfaceNamer);
 

@@ -1,6 +1,6 @@
 // Prints the inventory on standard output, with one write(2) for each line. This bypasses stdio:
-// text still in stdout's buffer appears later. When standard output is non-blocking and full, the
-// functions wait. After any other write error they print nothing more and raise nothing.
+// text still in stdout's buffer appears later. If standard output is non-blocking and full, the
+// functions wait. After any other write error they stop printing and raise nothing.
 #pragma once
 
 #include <string>

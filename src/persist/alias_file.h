@@ -16,7 +16,7 @@ inline constexpr std::string_view networkScriptsDir = "/etc/sysconfig/network-sc
 /// not checked.
 std::string interfaceConfigPath(const std::string& label);
 
-/// An address and the label whose file it belongs in.
+/// An address, and the label that names its configuration file.
 struct LabelledAddress {
   std::string label;  ///< the alias label (IPv4) or the interface name (IPv6)
   AddressRecord address;

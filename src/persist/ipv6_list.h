@@ -24,21 +24,21 @@ void parseIPv6List(const std::string& line, std::vector<AddressRecord>& entries)
 /// Inserts the address at the front of the list in the interface's file. The label is the
 /// interface.
 /// - Does not read IPV6ADDR, and does not check whether the address is listed already.
-/// - Takes any key that starts with IPV6ADDR_SECONDARIES for the list.
+/// - Treats any key that starts with IPV6ADDR_SECONDARIES as the list.
 /// - Ignores a missing file and any failure to replace it.
 /// - Reports a list that cannot be parsed, and leaves the file unchanged.
 void addIPv6ToInterfaceFile(LabelledAddress added);
 
 /// Removes the address, in any written form, from the interface's file. The label is the interface;
 /// the prefix length is ignored.
-/// - If the address is IPV6ADDR, the first list entry replaces it. If the list is empty, that is
-///   reported and the file stays unchanged.
+/// - If the address is IPV6ADDR, the first list entry replaces it. If there is no entry, reports
+///   that and leaves the file unchanged.
 /// - Handles a missing file, a failure and a bad list as addIPv6ToInterfaceFile does.
 void removeIPv6FromInterfaceFile(LabelledAddress removed);
 
 /// The FileWriters of the two edits. `context` points to a LabelledAddress; `oldFile` must not be
-/// null. They return -1 when the old file cannot be read, and after reporting through reportMessage
-/// why it cannot be edited.
+/// null. They return -1 if the old file cannot be read. If its lists cannot be edited, they report
+/// the reason through reportMessage and return -1, too.
 int copyWithIPv6(std::FILE* oldFile, std::FILE* newFile, void* context);
 int copyWithoutIPv6(std::FILE* oldFile, std::FILE* newFile, void* context);
 

@@ -11,8 +11,8 @@ namespace addrtool {
 /// Returns 0. Returns -1 with errno set when the file cannot be opened or read, or when memory runs
 /// out; the table then holds the definitions read so far.
 ///
-/// Trailing white space of a value, including the newline, is cut by an old rule (required): an odd
-/// number of characters loses the last one, an even number stays.
+/// A value keeps most of its trailing white space, which includes the newline (required): of an odd
+/// number of characters only the last one is cut, of an even number none.
 int readConfigFile(const char* path, RuntimeConfiguration* table);
 
 }  // namespace addrtool

@@ -8,8 +8,8 @@
 
 namespace addrtool {
 
-/// The priority of everything that is logged while a file is read. The console sink compares the
-/// whole number, 12, with its threshold, 6, and so does not show these messages by default.
+/// The priority of all messages about a file being read. The console sink compares the whole
+/// number, 12, with its threshold, 6. So it does not show these messages by default.
 inline constexpr int fileReaderPriority = LOG_USER | LOG_WARNING;
 
 struct ConfigEntry {
@@ -17,7 +17,7 @@ struct ConfigEntry {
   char* value;  ///< owned
 };
 
-/// A table of zeros is empty. Slots beyond `count` must be null: freeConfig frees all slots.
+/// A zero-initialized table is empty. Slots beyond `count` must be null, as freeConfig frees all.
 struct RuntimeConfiguration {
   ConfigEntry* entries;    ///< owned; null until first use
   std::uint32_t capacity;  ///< slots allocated

@@ -10,8 +10,8 @@ namespace addrtool {
 // Users of the library may set these variables.
 // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
 
-/// The streams of the console sink: both for null or "console", standard error for "stderr", none
-/// for any other text. Upper and lower case are the same. In initLogging, null means syslog.
+/// Where the console sink prints: on both streams if null or "console", on standard error if
+/// "stderr", nowhere otherwise. Case is ignored. In initLogging, null means syslog.
 extern const char* logTarget;
 
 /// The highest priority number that the console sink prints.
@@ -44,7 +44,7 @@ void initLogging(const char* target, int level, int facility, int options, const
 
 /// Sets logThreshold to the level and logEnabled to 1. A level below 1 sets both to 0. Without a
 /// target, also sets the syslog mask to all priorities up to the level. For a negative level that
-/// mask is 0, with which setlogmask(3) changes nothing.
+/// mask is 0, and setlogmask(3) ignores a mask of 0.
 void setLogLevel(int level);
 
 }  // namespace addrtool

@@ -1,7 +1,7 @@
 // The message function of the support library: it formats a text, prints it on standard error and
 // on standard output, and can end the process. Three functions that check an argument use it.
-// C-style: no function here throws. errno is an input: if it is set, the message ends with the
-// system's error, related or not.
+// C-style: no function here throws. errno is an input: if it is not 0, the message ends with that
+// error, even if it has nothing to do with the message.
 #pragma once
 
 #include <cstddef>
@@ -12,9 +12,9 @@ namespace addrtool {
 extern const char* messageProgramName;  // NOLINT(*-avoid-non-const-global-variables): a setting
 
 /// Formats the text and prints it with printMessage. If errno is not 0, "\nSystem error %d: %s"
-/// with its number and text follows. The buffer holds 4095 characters and only grows for a longer
-/// text; a suffix that does not fit is dropped. Returns only if status is 0. `flag` is unused;
-/// callers pass 1.
+/// with its number and text follows. The buffer has room for 4095 characters. It grows for a longer
+/// text, but not for this suffix: a suffix that does not fit is dropped. Returns only if status is
+/// 0. `flag` is unused; callers pass 1.
 __attribute__((format(printf, 3, 4))) void reportMessage(int status, int flag, const char* format,
                                                          ...);
 

@@ -9,7 +9,7 @@ namespace addrtool {
 /// and a "+" may precede them, with white space after it. Returns 0 and sets `value`, or returns -1
 /// and leaves `value` unchanged.
 /// - Rejects an empty text, white space alone, any other character, and a "+" at the very end.
-/// - Accepts a "+" that only white space follows, as 0.
+/// - Accepts a "+" followed only by white space, as 0.
 /// - Rejects a number above 65535 with errno ERANGE. No other case sets errno.
 int parseUnsigned16(const char* text, std::uint16_t* value);
 
