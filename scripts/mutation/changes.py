@@ -50,8 +50,8 @@ STATEMENT = re.compile(
 CONDITION = re.compile(r"\b(?:if|while) \(")
 CHARACTER = re.compile(r"'(?:[^'\\]|\\.)'")
 
-# One row of a table of texts. Only one change in ten of them counts: such tables would
-# otherwise outweigh everything else.
+# One row of a table of texts. The sample takes only one in ten changes of such rows, because they
+# would outnumber all others.
 TABLE_ROW = re.compile(r'\{"[^"]*", "[^"]*"\},')
 TABLE_SHARE = 10
 
@@ -137,7 +137,7 @@ def literal_spots(source):
 
 
 def changes_of(path, source):
-    """Every change of a source file, in no order."""
+    """Every change of a source file, in any order."""
     code = NOT_CODE.sub(lambda match: BLANK * len(match.group()), source)
     source_digest = digest(source).hexdigest()
     for start, end, replacement, kind in (*code_spots(source, code), *literal_spots(source)):
@@ -153,7 +153,7 @@ def changes_of(path, source):
 def sample(sources, seed):
     """All changes of the sources (path to text), in the order in which the seed takes them.
 
-    A change's place follows from its own lines alone, so that it stays when other lines change.
+    The place of a change depends only on its own lines, so it stays when other lines change.
     """
     ranked = []
     for path, source in sources.items():

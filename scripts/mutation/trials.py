@@ -61,7 +61,7 @@ def archive_of(built):
 
 @functools.lru_cache(maxsize=None)
 def optimised(source, *include_folders):
-    """A digest of what the compiler makes of a source, optimising as for a release."""
+    """A digest of the code that the compiler generates with the release's optimisation."""
     folders = [word for folder in include_folders for word in ("-iquote", folder)]
     code = require("c++", "-std=c++20", "-O3", "-w", *folders, "-S", "-o", "-", source)
     return hashlib.sha1(code.encode()).digest()
@@ -106,7 +106,7 @@ class Build:
         return found or sys.exit(f"scripts/mutate: no object is built from {path}")
 
     def new_objects(self, folder, path):
-        """For each object that the changed file becomes part of, the one that replaces it."""
+        """For each object that is built from the changed file, the object that replaces it."""
         readers = enumerate(self.readers(path))
         return {built: str(folder / f"{number}.o") for number, built in readers}
 
@@ -131,7 +131,7 @@ class Build:
             require(*words, cwd=self.folder)
 
     def test(self, folder, program, tests, seconds):
-        """Runs tests in a sandbox, with the programs of the folder, up to the first failure."""
+        """Runs tests in a sandbox with the programs of the folder. Stops at the first failure."""
         return run(
             "prlimit",
             f"--as={self.memory}",
@@ -171,7 +171,7 @@ class Tester:
             list(pool.map(self.try_unchanged, (self.plain, self.sanitized)))
 
     def try_unchanged(self, build):
-        """Sets the time limits. A test that fails without a change would notice every change."""
+        """Sets the time limits. A test must pass here, or it would kill every change."""
         runs = [("unit_tests", "*"), *(("system_tests", name) for name in self.system_tests)]
         for program, tests in runs:
             start = time.monotonic()
@@ -181,7 +181,7 @@ class Tester:
             self.limits[build, tests] = 10 + 5 * (time.monotonic() - start)
 
     def try_change(self, change):
-        """Gives (result, test): which tests noticed the change, and the first that did."""
+        """Gives (result, test): the kind of tests that killed the change, and the first test."""
         with tempfile.TemporaryDirectory(dir=self.work) as name:
             folder = pathlib.Path(name)
             changed = folder / change.path
@@ -211,9 +211,9 @@ class Tester:
         return [":".join(known), "*"] if known else ["*"]
 
     def system_order(self, path):
-        """Each test alone, as it needs a fresh sandbox. The most likely to notice a change of the
-        file comes first: it has noticed one before, or its name has words of the file's name, or
-        it has noticed changes of other files, or it is quick."""
+        """The order of the system tests; each runs alone in a fresh sandbox. The tests that most
+        likely kill a change of the file come first: those that killed one before, then those named
+        like the file, then those that killed changes of other files, then the quick ones."""
         here, anywhere = collections.Counter(), collections.Counter()
         for (_, file, test), count in dict(self.noticed).items():
             anywhere[test] += count
@@ -240,7 +240,7 @@ class Tester:
         return None
 
     def equal_result(self, folder, path):
-        """Whether the compiler, optimising, makes the same code with and without the change."""
+        """Gives "equal" if the optimiser makes the same code with and without the change."""
         src, own = self.tree / "src", str(self.tree / path)
         sources = [self.plain.inputs[built][0] for built in self.plain.readers(path)]
         for source in sources:
