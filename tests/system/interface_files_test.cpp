@@ -13,11 +13,14 @@ void writeAlias() {
 
 // Only existence matters, and it is checked for each file.
 TEST(AliasFiles, HaveAFourthLineIfTheSuseMarkerExists) {
-  const std::vector<std::pair<std::string, bool>> rows{
-      {"true", false},          {"touch $MARKER", true},
-      {"mkdir $MARKER", true},  {"ln -s /dev/null $MARKER", true},
-      {"true", false},          {"ln -s /etc/missing $MARKER", false},
-      {"echo S >$MARKER", true}};
+  const std::vector<std::pair<std::string, bool>> rows{{"true", false},
+                                                       {"touch $MARKER", true},
+                                                       {"mkdir $MARKER", true},
+                                                       {"ln -s /dev/null $MARKER", true},
+                                                       {"mkfifo $MARKER", true},
+                                                       {"true", false},
+                                                       {"ln -s /etc/missing $MARKER", false},
+                                                       {"echo S >$MARKER", true}};
   for (const auto& [command, isSuse] : rows) {
     prepare("MARKER=/etc/SuSE-release; rm -rf $MARKER; " + command);
     writeAlias();
@@ -38,6 +41,12 @@ TEST(AliasFiles, ASlashInTheLabelIsADirectory) {
   EXPECT_EQ(listDirectory(networkScripts / "ifcfg-a"), Lines{"b"});
   removeAliasFile("a/b");
   EXPECT_EQ(listDirectory(networkScripts / "ifcfg-a"), Lines{});
+}
+
+TEST(AliasFiles, ADirectoryInTheirPlaceIsNotRemovedEvenIfItIsEmpty) {
+  fs::create_directory(interfaceFile("eth0:1"));
+  removeAliasFile("eth0:1");
+  EXPECT_TRUE(fs::is_directory(interfaceFile("eth0:1")));
 }
 
 TEST(AliasFiles, APathThatIsTooLongIsRefused) {

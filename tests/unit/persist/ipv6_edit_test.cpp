@@ -342,22 +342,35 @@ std::FILE* openFailing(std::string& text) {
   return fopencookie(&text, "r", functions);
 }
 
+// The child process ends with status 1 if the edit fails.
+Outcome editFailing(FileWriter writer, std::string text) {
+  return runInChild([&] {
+    std::FILE* oldFile = openFailing(text);
+    std::FILE* newFile = std::fopen("/dev/null", "w");
+    LabelledAddress context{"eth0", {"2001:db8::5", 64}};
+    errno = 0;
+    const int result = writer(oldFile, newFile, &context);
+    std::fclose(oldFile);
+    std::fclose(newFile);
+    std::exit(result == -1 ? 1 : 0);
+  });
+}
+
 TEST(IPv6Edits, AReadErrorFailsSilently) {
   for (const FileWriter writer : {copyWithIPv6, copyWithoutIPv6}) {
-    for (std::string text : {"", "A=1\n", "A=1\nB", "IPV6ADDR=2001:db8::5/64\n",
-                             "IPV6ADDR_SECONDARIES=a/1\nIPV6ADDR_SECONDARIES=b/1 cut"}) {
-      const Outcome outcome = runInChild([&] {
-        std::FILE* oldFile = openFailing(text);
-        std::FILE* newFile = std::fopen("/dev/null", "w");
-        LabelledAddress context{"eth0", {"2001:db8::5", 64}};
-        const int result = writer(oldFile, newFile, &context);
-        std::fclose(oldFile);
-        std::fclose(newFile);
-        std::exit(result == -1 ? 1 : 0);
-      });
-      EXPECT_EQ(outcome, (Outcome{1, 0, "", ""})) << text;
+    for (const std::string text : {"", "A=1\n", "A=1\nB", "IPV6ADDR=2001:db8::5/64\n",
+                                   "IPV6ADDR_SECONDARIES=a/1\nIPV6ADDR_SECONDARIES=b/1 cut"}) {
+      EXPECT_EQ(editFailing(writer, text), (Outcome{1, 0, "", ""})) << text;
     }
   }
+}
+
+TEST(IPv6Edits, OnlyAnAddReportsABadListBeforeAReadError) {
+  // An add parses each line as it is read; a removal reads the whole file first.
+  const std::string text = "IPV6ADDR_SECONDARIES=bad\n";
+  const std::string report = "bad: cannot parse IPv6 address\n";
+  EXPECT_EQ(editFailing(copyWithIPv6, text), (Outcome{1, 0, report, report}));
+  EXPECT_EQ(editFailing(copyWithoutIPv6, text), (Outcome{1, 0, "", ""}));
 }
 
 TEST(IPv6Edits, AWriteErrorIsIgnored) {

@@ -134,7 +134,8 @@ TEST(ReportMessage, AddsTheSystemErrorInErrnoOnALineOfItsOwn) {
                                {13, "text", "text" + permissionSuffix + "\n"},
                                {13, "text\n", "text\n" + permissionSuffix + "\n"},
                                {13, "", permissionSuffix + "\n"},
-                               {9999, "text", "text\nSystem error 9999: Unknown error 9999\n"}};
+                               {9999, "text", "text\nSystem error 9999: Unknown error 9999\n"},
+                               {-1, "text", "text\nSystem error -1: Unknown error -1\n"}};
   for (const auto& [error, text, printed] : table) {
     for (const int status : {0, 3}) {
       EXPECT_EQ(reportWithErrno(error, text, status), onBothStreams(printed, status))
@@ -252,12 +253,16 @@ TEST(ReallocOrDie, KeepsTheContents) {
   std::free(text);
 }
 
-TEST(ReallocOrDie, ReportsTheSizeAndExits) {
-  EXPECT_EQ(runInChild([] {
-              const FailingAllocations failing(1);
-              reallocOrDie(nullptr, 640);
-            }),
-            onBothStreams("alloc(640)\nSystem error 12: Cannot allocate memory\n", 1));
+TEST(ReallocOrDie, ReportsTheSizeAsAnIntAndExits) {
+  for (const auto& [size, printed] : {std::pair(640U, "640"), {3000000000U, "-1294967296"}}) {
+    EXPECT_EQ(
+        runInChild([refused = size] {
+          const FailingAllocations failing(1);
+          reallocOrDie(nullptr, refused);
+        }),
+        onBothStreams(
+            "alloc(" + std::string(printed) + ")\nSystem error 12: Cannot allocate memory\n", 1));
+  }
 }
 
 TEST(ReallocOrDie, SizeZeroFreesTheMemoryAndCountsAsAFailure) {
