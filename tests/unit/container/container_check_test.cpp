@@ -99,6 +99,12 @@ TEST(AnyLineHolds, AReadErrorBehindTheFirstLineEndsTheSearch) {
   EXPECT_EQ(texts.size(), 1U) << "nothing is read after the error";
 }
 
+TEST(AnyLineHolds, TheStartOfALineBeforeAReadErrorIsSearched) {
+  std::queue<std::string> texts({"first\n10.0.0.1", ""});
+  const File file(fopencookie(&texts, "r", {readNext, nullptr, nullptr, nullptr}), std::fclose);
+  EXPECT_TRUE(anyLineHolds(file.get(), "10.0.0.1"));
+}
+
 TEST(AnyLineHolds, OutOfMemoryEndsTheSearch) {
   const TemporaryDirectory directory;
   writeFile(directory / "veinfo", "10.0.0.1\n10.0.0.2\n");
