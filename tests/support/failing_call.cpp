@@ -3,43 +3,86 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
-#include <optional>
-#include <utility>
+#include <cstdlib>
 
 namespace addrtool::testing {
 namespace {
 
-std::optional<std::pair<Call, int>>& failing() {
-  static std::optional<std::pair<Call, int>> call;
-  return call;
-}
+struct Failure {
+  Call call;
+  int error;
+  int first;
+  int last;
+};
+
+Failure failure{};  // none while `first` is 0
+int callCount = 0;
 
 bool fails(Call call) {
-  if (!failing() || failing()->first != call) return false;
-  errno = failing()->second;
+  if (failure.first == 0 || call != failure.call) return false;
+  ++callCount;
+  if (callCount < failure.first || callCount > failure.last) return false;
+  errno = failure.error;
   return true;
 }
 
 }  // namespace
 
-FailingCall::FailingCall(Call call, int error) {
-  failing() = {call, error};
+FailingCall::FailingCall(Call call, int error, int first, int last) {
+  callCount = 0;
+  failure = {call, error, first, last};
 }
 
 FailingCall::~FailingCall() {
-  failing().reset();
+  failure = {};
+}
+
+int FailingCall::calls() {
+  return callCount;
 }
 
 }  // namespace addrtool::testing
 
-// The linker option --wrap=NAME sends every call of NAME to __wrap_NAME.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,readability-identifier-naming)
+// The names are the linker's: --wrap=NAME sends calls of NAME to __wrap_NAME, and those of
+// __real_NAME to the original.
+// NOLINTBEGIN(bugprone-reserved-identifier, cert-dcl*, readability-identifier-naming, *-no-malloc,
+// *-owning-memory)
 using addrtool::testing::Call;
 using addrtool::testing::fails;
 
 extern "C" {
+
+void* __real_malloc(std::size_t size);
+void* __wrap_malloc(std::size_t size) {
+  return fails(Call::Allocation) ? nullptr : __real_malloc(size);
+}
+
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+  return fails(Call::Allocation) ? nullptr : __real_calloc(count, size);
+}
+
+void* __real_realloc(void* pointer, std::size_t size);
+void* __wrap_realloc(void* pointer, std::size_t size) {
+  return fails(Call::Allocation) ? nullptr : __real_realloc(pointer, size);
+}
+
+char* __real_strdup(const char* text);
+char* __wrap_strdup(const char* text) {
+  return fails(Call::Allocation) ? nullptr : __real_strdup(text);
+}
+
+ssize_t __real_getline(char** line, std::size_t* size, std::FILE* stream);
+ssize_t __wrap_getline(char** line, std::size_t* size, std::FILE* stream) {
+  return fails(Call::Allocation) ? -1 : __real_getline(line, size, stream);
+}
+
+// Optimised code calls this in place of getline.
+ssize_t __real___getdelim(char** line, std::size_t* size, int delimiter, std::FILE* stream);
+ssize_t __wrap___getdelim(char** line, std::size_t* size, int delimiter, std::FILE* stream) {
+  return fails(Call::Allocation) ? -1 : __real___getdelim(line, size, delimiter, stream);
+}
 
 std::FILE* __real_fdopen(int descriptor, const char* mode);
 std::FILE* __wrap_fdopen(int descriptor, const char* mode) {
@@ -63,4 +106,5 @@ int __wrap_chmod(const char* path, mode_t mode) {
 }
 
 }  // extern "C"
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,readability-identifier-naming)
+// NOLINTEND(bugprone-reserved-identifier, cert-dcl*, readability-identifier-naming, *-no-malloc,
+// *-owning-memory)

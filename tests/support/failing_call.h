@@ -1,22 +1,36 @@
-// Failures that cannot be produced on a real file system: a C library function fails on demand. The
-// tests are linked with --wrap for each function.
+// Failures that cannot be produced for real: functions of the C library fail on demand. The linker
+// redirects the calls of the code under test (--wrap), not those inside the C and C++ libraries.
 #pragma once
+
+#include <cerrno>
+#include <climits>
 
 namespace addrtool::testing {
 
-/// The functions that can be made to fail.
-enum class Call { Fdopen, Fclose, Chown, Chmod };
+/// The functions that can be made to fail. Allocations are malloc(3), calloc(3), realloc(3),
+/// strdup(3) and getline(3), which allocates its buffer.
+enum class Call { Allocation, Fdopen, Fclose, Chown, Chmod };
 
-/// While it exists, every call of the function does nothing and fails with that error. Only
-/// fclose(3) still closes its stream, as a real failure does.
+/// While it exists, the calls numbered `first` to `last`, counted from 1, do nothing and fail with
+/// that error. Only fclose(3) still closes its stream, as a real failure does. Only one may exist
+/// at a time.
 class FailingCall {
  public:
-  FailingCall(Call call, int error);
+  FailingCall(Call call, int error, int first = 1, int last = INT_MAX);
   ~FailingCall();
   FailingCall(const FailingCall&) = delete;
   FailingCall& operator=(const FailingCall&) = delete;
   FailingCall(FailingCall&&) = delete;
   FailingCall& operator=(FailingCall&&) = delete;
+
+  /// The number of calls so far.
+  static int calls();
+};
+
+/// Makes those allocations run out of memory.
+struct FailingAllocations : FailingCall {
+  explicit FailingAllocations(int only) : FailingAllocations(only, only) {}
+  FailingAllocations(int first, int last) : FailingCall(Call::Allocation, ENOMEM, first, last) {}
 };
 
 }  // namespace addrtool::testing

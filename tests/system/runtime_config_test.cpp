@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <functional>
 
-#include "support/failing_allocator.h"
+#include "support/failing_call.h"
 #include "support/log_recorder.h"
 #include "support/sandbox_machine.h"
 

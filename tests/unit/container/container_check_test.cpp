@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "support/failing_allocator.h"
+#include "support/failing_call.h"
 #include "support/files.h"
 
 namespace addrtool::testing {

@@ -17,7 +17,6 @@
 #include <vector>
 
 #include "support/child_process.h"
-#include "support/failing_allocator.h"
 #include "support/failing_call.h"
 #include "support/files.h"
 #include "support/log_recorder.h"

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "support/failing_allocator.h"
+#include "support/failing_call.h"
 #include "support/log_recorder.h"
 
 namespace addrtool::testing {

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "support/child_process.h"
-#include "support/failing_allocator.h"
+#include "support/failing_call.h"
 
 namespace addrtool::testing {
 namespace {
