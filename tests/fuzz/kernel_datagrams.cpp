@@ -113,27 +113,6 @@ DatagramKind modelKind(Octets datagram) {
   return type == 3 ? DatagramKind::EndOfDump : DatagramKind::Addresses;
 }
 
-void checkRecord(int family, const AddressRecord& record) {
-  std::array<std::uint8_t, sizeof(in6_addr)> bytes{};
-  require(inet_pton(family, record.address.c_str(), bytes.data()) == 1,
-          "every record holds an address");
-  require(record.address != "::2", "the address ::2 is never managed");
-}
-
-void checkInterface(const std::string& name, const InterfaceAddresses& addresses) {
-  require(name.starts_with("eth"), "every interface has a name that the kernel gave");
-  require(addresses != InterfaceAddresses{}, "every interface carries an address");
-  for (const AddressRecord& record : addresses.primaryIPv4) checkRecord(AF_INET, record);
-  for (const AddressRecord& record : addresses.ipv6) checkRecord(AF_INET6, record);
-
-  std::optional<std::string> previous;
-  for (const auto& [suffix, record] : addresses.aliases) {
-    checkRecord(AF_INET, record);
-    require(!previous || *previous < suffix, "aliases are unique and in the order of their bytes");
-    previous = suffix;
-  }
-}
-
 // The dump, and whether collecting threw an exception.
 struct Outcome {
   AddressDump dump;
@@ -180,10 +159,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   shifted.insert(shifted.end(), data, data + size);
   const auto odd = std::as_bytes(std::span(shifted).subspan(1));
   for (const bool includeHostScope : {false, true}) {
-    const Outcome outcome =
-        collectTwice(includeHostScope ? std::as_bytes(octets) : odd, includeHostScope);
-    for (const auto& [name, addresses] : outcome.dump) checkInterface(name, addresses);
-    require(outcome == modelTwice(octets, includeHostScope),
+    require(collectTwice(includeHostScope ? std::as_bytes(octets) : odd, includeHostScope) ==
+                modelTwice(octets, includeHostScope),
             "a dump holds exactly the managed addresses");
   }
   return 0;

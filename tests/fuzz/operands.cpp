@@ -9,8 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <iterator>
-#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -27,21 +25,10 @@ namespace addrtool {
 namespace fuzz {
 namespace {
 
-struct Row {
-  std::string interface;
-  std::string suffix;
-  AddressRecord record;
-
-  [[nodiscard]] bool isIPv6() const { return record.address.find(':') != std::string::npos; }
-  [[nodiscard]] bool isAlias() const { return !isIPv6() && suffix != "-"; }
-};
-
-using Rows = std::vector<Row>;
-
 // What the program reads from and does to the machine.
 struct World {
   bool isArmed = false;
-  Rows table;
+  AddressDump dump;
   int status = 0;
   std::vector<std::string> commands;
 };
@@ -95,39 +82,15 @@ std::string bringUpCommand(const std::string& label, const AddressRecord& record
   return "/sbin/ifconfig '" + label + "' '" + record.address + "' netmask  '" + netmask + "' up";
 }
 
-std::string labelOf(const Row& alias) {
-  return alias.interface + ":" + alias.suffix;
-}
-
-std::string takeDownCommand(const Row& alias) {
-  return "/sbin/ifconfig '" + labelOf(alias) + "' down";
-}
-
 std::string ipv6Command(const std::string& interface, const std::string& verb,
                         const AddressRecord& record) {
   return "/sbin/ifconfig " + interface + " " + verb + " " + record.address + "/" +
          std::to_string(record.prefixLength);
 }
 
-// The aliases of one interface, sorted by suffix. The first of two equal suffixes counts.
-Rows aliasesOf(const std::string& interface, const Rows& table) {
-  Rows aliases;
-  std::set<std::string> seen;
-  for (const Row& row : table) {
-    if (row.interface != interface || !row.isAlias()) continue;
-    if (seen.insert(row.suffix).second) aliases.push_back(row);
-  }
-  std::ranges::sort(aliases, {}, &Row::suffix);
-  return aliases;
-}
-
-bool isSuffixOf(const Rows& aliases, const std::string& suffix) {
-  return std::ranges::count(aliases, suffix, &Row::suffix) != 0;
-}
-
-std::string lowestFree(const Rows& aliases) {
+std::string lowestFree(const AliasMap& aliases) {
   int number = 1;
-  while (isSuffixOf(aliases, std::to_string(number))) ++number;
+  while (aliases.contains(std::to_string(number))) ++number;
   return std::to_string(number);
 }
 
@@ -146,10 +109,9 @@ Outcome modelAdd(const std::string& interface, const std::string& address, const
   }
   const auto mask = modelDottedQuad(third);
   if (!mask) return refused(third + ": cannot convert to netmask");
-  if (std::ranges::count(world.table, interface, &Row::interface) == 0) {
-    return refused(interface + ": no such network interface.");
-  }
-  const std::string label = interface + ":" + lowestFree(aliasesOf(interface, world.table));
+  const auto found = world.dump.find(interface);
+  if (found == world.dump.end()) return refused(interface + ": no such network interface.");
+  const std::string label = interface + ":" + lowestFree(found->second.aliases);
   if (isTooLong(label)) return refused(interface + ": no free alias number.");
   return ran(bringUpCommand(label, {address, modelPrefixLength(*mask)}), ending);
 }
@@ -161,86 +123,72 @@ bool namesShortLabel(const std::string& command) {
   return !isTooLong(command.substr(start, command.find('\'', start) - start));
 }
 
-Outcome modelTakeDown(const Row& alias, const Ending& ending) {
-  const std::string label = labelOf(alias);
+Outcome modelTakeDown(const std::string& label, const Ending& ending) {
   if (isTooLong(label)) return refused(label + ": alias label too long.");
-  return ran(takeDownCommand(alias), ending);
-}
-
-std::set<std::string> interfaceNames() {
-  std::set<std::string> names;
-  for (const Row& row : world.table) names.insert(row.interface);
-  return names;
+  return ran("/sbin/ifconfig '" + label + "' down", ending);
 }
 
 Outcome modelDeleteIPv4(const std::string& address, const Ending& ending) {
-  for (const std::string& interface : interfaceNames()) {
-    for (const Row& row : world.table) {
-      if (row.interface == interface && !row.isIPv6() && !row.isAlias() &&
-          row.record.address == address) {
+  for (const auto& [interface, addresses] : world.dump) {
+    for (const AddressRecord& record : addresses.primaryIPv4) {
+      if (record.address == address) {
         return refused(address + ": cannot delete main IP on interface");
       }
     }
-    for (const Row& row : aliasesOf(interface, world.table)) {
-      if (row.record.address == address) return modelTakeDown(row, ending);
+    for (const auto& [suffix, record] : addresses.aliases) {
+      if (record.address == address) return modelTakeDown(interface + ":" + suffix, ending);
     }
   }
   return refused(address + ": not configured.");
 }
 
 Outcome modelDeleteIPv6(const std::string& address, const Ending& ending) {
-  for (const std::string& interface : interfaceNames()) {
-    Rows ipv6;
-    std::ranges::copy_if(world.table, std::back_inserter(ipv6), [&](const Row& row) {
-      return row.interface == interface && row.isIPv6();
-    });
-    for (const Row& row : ipv6) {
-      if (!modelSameIPv6(row.record.address, address)) continue;
-      if (ipv6.size() == 1) {
+  for (const auto& [interface, addresses] : world.dump) {
+    for (const AddressRecord& record : addresses.ipv6) {
+      if (!modelSameIPv6(record.address, address)) continue;
+      if (addresses.ipv6.size() == 1) {
         return refused(address + ": cannot remove last address from " + interface);
       }
-      return ran(ipv6Command(interface, "del", row.record), ending);
+      return ran(ipv6Command(interface, "del", record), ending);
     }
   }
   return refused(address + ": not configured");
 }
 
-// One command for each alias of the first table that is missing in the second.
-Outcome modelRestore(const Rows& before, const Rows& after, const std::string& deletedSuffix) {
+// One command for each alias that has vanished.
+Outcome modelRestore(const std::string& interface, const AliasMap& before, const AliasMap& after,
+                     const std::string& deletedSuffix) {
   Outcome outcome;
   if (before.size() < 2) return outcome;
-  for (const Row& row : before) {
-    if (row.suffix == deletedSuffix || isSuffixOf(after, row.suffix)) continue;
-    if (isTooLong(labelOf(row))) {
-      outcome.failure = labelOf(row) + ": alias label too long.";
+  for (const auto& [suffix, record] : before) {
+    if (suffix == deletedSuffix || after.contains(suffix)) continue;
+    const std::string label = interface + ":" + suffix;
+    if (isTooLong(label)) {
+      outcome.failure = label + ": alias label too long.";
       return outcome;
     }
-    outcome.commands.push_back(bringUpCommand(labelOf(row), row.record));
+    outcome.commands.push_back(bringUpCommand(label, record));
   }
   return outcome;
 }
 
-void checkRestore(const std::string& interface, const std::string& deletedSuffix) {
+// The lines after the operands, up to that one.
+AddressDump readDump(const std::vector<std::string>& lines, std::size_t end) {
   AddressDump dump;
-  readKernelAddresses(dump, false);
-  const Rows before = aliasesOf(interface, world.table);
-  world.table.resize(world.table.size() / 2);  // the others have vanished
-  world.status = 0;
-  const Outcome outcome =
-      run([&] { restoreAliases(interface, dump[interface].aliases, deletedSuffix); });
-  require(outcome == modelRestore(before, aliasesOf(interface, world.table), deletedSuffix),
-          "the aliases that vanished are brought back as they were");
-}
-
-Rows readRows(const std::vector<std::string>& lines) {
-  Rows rows;
-  for (std::size_t i = 3; i < lines.size(); ++i) {
+  for (std::size_t i = 3; i < end; ++i) {
     const std::vector<std::string> fields = splitAt(lines[i], ' ');
     if (fields.size() != 4) continue;
-    const auto length = modelUnsigned16(fields[3]).value.value_or(24);
-    rows.push_back({fields[0], fields[1], {fields[2], length}});
+    InterfaceAddresses& addresses = dump[fields[0]];
+    const AddressRecord record{fields[2], modelUnsigned16(fields[3]).value.value_or(24)};
+    if (record.address.find(':') != std::string::npos) {
+      addresses.ipv6.push_back(record);
+    } else if (fields[1] == "-") {
+      addresses.primaryIPv4.push_back(record);
+    } else {
+      addresses.aliases.insert({fields[1], record});
+    }
   }
-  return rows;
+  return dump;
 }
 
 }  // namespace
@@ -249,16 +197,7 @@ Rows readRows(const std::vector<std::string>& lines) {
 // Replaces the function that asks the kernel.
 void readKernelAddresses(AddressDump& dump, bool includeHostScope) {
   fuzz::require(!includeHostScope, "addresses of host scope are never asked for");
-  for (const fuzz::Row& row : fuzz::world.table) {
-    InterfaceAddresses& addresses = dump[row.interface];
-    if (row.isIPv6()) {
-      addresses.ipv6.push_back(row.record);
-    } else if (row.isAlias()) {
-      addresses.aliases.insert({row.suffix, row.record});
-    } else {
-      addresses.primaryIPv4.push_back(row.record);
-    }
-  }
+  dump = fuzz::world.dump;
 }
 
 }  // namespace addrtool
@@ -298,7 +237,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string& address = lines[1];
   const std::string& third = lines[2];
   const Ending& ending = endings.at(size % endings.size());
-  world.table = readRows(lines);
+  world.dump = readDump(lines, lines.size());
   world.status = ending.status;
 
   require(run([&] { addAddress(interface, address, third); }) ==
@@ -308,7 +247,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   require(run([&] { deleteAddress(address); }) ==
               (isIPv6 ? modelDeleteIPv6(address, ending) : modelDeleteIPv4(address, ending)),
           "a deletion runs its one command");
-  checkRestore(interface, third);
+
+  const AliasMap before = world.dump[interface].aliases;
+  world.dump = readDump(lines, 3 + (lines.size() - 3) / 2);  // the other addresses have vanished
+  world.status = 0;
+  require(run([&] { restoreAliases(interface, before, third); }) ==
+              modelRestore(interface, before, world.dump[interface].aliases, third),
+          "the aliases that vanished are brought back as they were");
   return 0;
 }
 

@@ -20,13 +20,12 @@ std::string withoutTrailing(const std::string& text, const char* characters) {
   return text.substr(0, text.find_last_not_of(characters) + 1);
 }
 
-std::optional<std::uint32_t> modelOctet(const std::string& text) {
-  if (text.empty() || text.size() > 3 || text.find_first_not_of(digits) != std::string::npos) {
-    return std::nullopt;
-  }
-  const unsigned long value = std::stoul(text);
-  if (value > 255 || std::to_string(value) != text) return std::nullopt;
-  return static_cast<std::uint32_t>(value);
+std::optional<std::string> canonicalIPv6(const std::string& text) {
+  in6_addr address{};
+  if (inet_pton(AF_INET6, text.c_str(), &address) != 1) return std::nullopt;
+  std::array<char, INET6_ADDRSTRLEN> canonical{};
+  inet_ntop(AF_INET6, &address, canonical.data(), canonical.size());
+  return canonical.data();
 }
 
 }  // namespace
@@ -62,15 +61,9 @@ ModelNumber modelUnsigned16(const std::string& text) {
 }
 
 std::optional<std::uint32_t> modelDottedQuad(const std::string& text) {
-  const std::vector<std::string> parts = splitAt(text, '.');
-  if (parts.size() != 4) return std::nullopt;
-  std::uint32_t bits = 0;
-  for (const std::string& part : parts) {
-    const auto octet = modelOctet(part);
-    if (!octet) return std::nullopt;
-    bits = bits * 256 + *octet;
-  }
-  return bits;
+  in_addr bits{};
+  if (inet_pton(AF_INET, text.c_str(), &bits) != 1) return std::nullopt;
+  return ntohl(bits.s_addr);
 }
 
 std::uint16_t modelPrefixLength(std::uint32_t mask) {
@@ -92,10 +85,8 @@ std::string modelNetmask(std::uint16_t prefixLength) {
 }
 
 bool modelSameIPv6(const std::string& one, const std::string& other) {
-  std::array<unsigned char, sizeof(in6_addr)> left{};
-  std::array<unsigned char, sizeof(in6_addr)> right{};
-  return inet_pton(AF_INET6, one.c_str(), left.data()) == 1 &&
-         inet_pton(AF_INET6, other.c_str(), right.data()) == 1 && left == right;
+  const auto canonical = canonicalIPv6(one);
+  return canonical && canonical == canonicalIPv6(other);
 }
 
 }  // namespace addrtool::fuzz

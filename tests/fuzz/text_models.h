@@ -24,8 +24,7 @@ struct ModelNumber {
 /// Strict decimal conversion: white space around, a plus in front, nothing above 65535.
 ModelNumber modelUnsigned16(const std::string& text);
 
-/// The 32 bits of a dotted quad: four parts of up to three digits, none above 255 and none with a
-/// leading zero.
+/// The 32 bits of a dotted quad.
 std::optional<std::uint32_t> modelDottedQuad(const std::string& text);
 
 /// The prefix length of those bits, from the lowest one that is set; 0 for none.
@@ -34,7 +33,7 @@ std::uint16_t modelPrefixLength(std::uint32_t mask);
 /// The dotted netmask of a prefix length modulo 32. 0 counts as 32.
 std::string modelNetmask(std::uint16_t prefixLength);
 
-/// Whether both texts are the same IPv6 address.
+/// Whether both texts are IPv6 addresses that inet_ntop(3) writes alike.
 bool modelSameIPv6(const std::string& one, const std::string& other);
 
 }  // namespace addrtool::fuzz

@@ -52,8 +52,8 @@ TEST(NetmaskToPrefix, UsesTheLowestBitOfAMaskWithGaps) {
 }
 
 TEST(NetmaskToPrefix, RefusesAnInvalidMask) {
-  for (const std::string text :
-       {"24", "255.255.255", "", "255.255.255.256", "255.255.255.0 ", "ffff::", "mask"}) {
+  for (const std::string text : {"24", "255.255.255", "", "255.255.255.256", "255.255.255.00",
+                                 "255.255.255.0 ", "ffff::", "mask"}) {
     EXPECT_EQ(failureOf([&] { netmaskToPrefix(text); }), text + ": cannot convert to netmask");
   }
 }
