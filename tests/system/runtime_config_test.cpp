@@ -210,9 +210,9 @@ TEST(GetConfigValue, IsNullOutsideTheTable) {
 }
 
 TEST(GetConfigValueByName, KnowsAllVariablesExceptTheUpperSentinel) {
-  const std::size_t known = configVariables.size() - 1;
+  constexpr std::size_t known = configVariables.size() - 1;
   EXPECT_EQ(outputWith(definesNothing,
-                       [known] {
+                       [] {
                          for (std::size_t i = 0; i < known; ++i) {
                            print(getConfigValueByName(configVariables.at(i).name));
                          }
