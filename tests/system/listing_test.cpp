@@ -107,7 +107,8 @@ INSTANTIATE_TEST_SUITE_P(
                       address add 10.0.0.2/32 dev eth0 scope host
                       address add 10.0.0.3/32 dev eth0 scope 200
                       address add 127.0.5.5/32 dev eth0 scope global
-                      address add fe80::5/64 dev eth0 nodad)",
+                      address add fe80::5/64 dev eth0 nodad
+                      address add fec0::5/64 dev eth0 nodad)",
                    line1 + "127.0.5.5 255.255.255.255 eth0 0\n" + lineIPv6},
         ListingRow{"ASecondaryIPv4Address", "address add 192.0.2.7/24 dev eth0",
                    line1 + "192.0.2.7 255.255.255.0 eth0 0\n" + lineIPv6}),
