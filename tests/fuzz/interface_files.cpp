@@ -27,11 +27,8 @@ const std::string primaryKey = "IPV6ADDR=";
 const std::string listStem = "IPV6ADDR_SECONDARIES";
 const std::string listKey = "IPV6ADDR_SECONDARIES=";
 
-bool isQuote(char character) {
-  return character == '"' || character == '\'';
-}
-
-Lines modelLines(const std::string& content) {
+// Splits the file as the program does: a long line is read in pieces.
+Lines piecesOf(const std::string& content) {
   Lines lines;
   for (std::size_t at = 0; at < content.size(); at += lines.back().size()) {
     const std::size_t end = std::min(content.find('\n', at), content.size() - 1);
@@ -40,118 +37,30 @@ Lines modelLines(const std::string& content) {
   return lines;
 }
 
-std::optional<AddressRecord> modelEntry(const std::string& token) {
-  const std::vector<std::string> parts = splitAt(token, '/');
-  if (parts.size() != 2) return std::nullopt;
-  return AddressRecord{parts[0], modelUnsigned16(upToNul(parts[1])).value.value_or(0)};
+// Adds the entries of the line, if it starts with the key. Returns whether it could be parsed.
+bool parse(const std::string& line, const std::string& key, Entries& entries) {
+  if (!line.starts_with(key)) return true;
+  try {
+    parseIPv6List(line, entries);
+    return true;
+  } catch (const std::runtime_error& failure) {
+    // The message ends at a zero byte of the token.
+    const std::string message = failure.what();
+    const std::size_t end = message.find(": cannot parse IPv6 address");
+    require(end != std::string::npos || line.find('\0') != std::string::npos,
+            "the message says what failed");
+    require(line.find(message.substr(0, end)) != std::string::npos,
+            "the message names a token of the line");
+    return false;
+  }
 }
 
-// Required: only opening quotes are removed. The length is counted from the start of the line to
-// the closing quotes.
-std::string modelListValue(const std::string& line) {
-  std::size_t start = line.find('=') + 1;
-  while (start < line.size() && isQuote(line[start])) ++start;
-  std::size_t end = line.size();
-  while (isQuote(line[end - 1])) --end;
-  return line.substr(start, end - 1);
-}
-
-// The entries of a list line up to the first malformed token.
-struct ModelList {
+// The entries of all lists, or nothing if a list is malformed.
+std::optional<Entries> listed(const Lines& lines, const std::string& key) {
   Entries entries;
-  std::optional<std::string> malformed;
-};
-
-ModelList modelList(const std::string& line) {
-  ModelList list;
-  if (line.find('=') == std::string::npos) return list;
-  std::string value = modelListValue(line);
-  for (const char blank : {'\t', '\n', '\v', '\f', '\r'}) std::ranges::replace(value, blank, ' ');
-  for (const std::string& token : splitAt(value, ' ')) {
-    if (token.empty()) continue;
-    const auto entry = modelEntry(token);
-    if (!entry) {
-      list.malformed = token;
-      break;
-    }
-    list.entries.push_back(*entry);
-  }
-  return list;
-}
-
-std::string formatted(const AddressRecord& entry) {
-  return entry.address + "/" + std::to_string(entry.prefixLength);
-}
-
-std::string joined(const Entries& entries) {
-  std::string text;
-  for (const AddressRecord& entry : entries) text += (text.empty() ? "" : " ") + formatted(entry);
-  return text;
-}
-
-// The new contents, or nothing if the edit must fail.
-std::optional<std::string> modelAddition(const Lines& lines, const AddressRecord& added) {
-  std::string content;
-  std::string list = listKey + "\"" + formatted(added);
-  bool isWritten = false;
-  for (const std::string& line : lines) {
-    const ModelList old = line.starts_with(listStem) ? modelList(line) : ModelList{};
-    if (old.malformed) return std::nullopt;
-    if (!old.entries.empty()) {
-      list += " " + joined(old.entries) + "\"\n";
-      isWritten = true;
-    }
-    content += old.entries.empty() ? line : list;
-  }
-  return isWritten ? content : content + list + "\"\n";
-}
-
-std::string modelPrimary(const std::string& line) {
-  const std::string blanks = "'\" \n\t\r";
-  std::string value = line.substr(primaryKey.size());
-  while (!value.empty() && blanks.find(value.back()) != std::string::npos) value.pop_back();
-  while (!value.empty() && blanks.find(value.front()) != std::string::npos) value.erase(0, 1);
-  return splitAt(value, '/').front();
-}
-
-struct ModelAddresses {
-  bool isPrimary = false;
-  bool isMalformed = false;
-  Entries secondaries;
-};
-
-ModelAddresses modelAddresses(const Lines& lines, const std::string& address) {
-  ModelAddresses found;
-  for (const std::string& line : lines) {
-    if (line.starts_with(primaryKey)) found.isPrimary = modelSameIPv6(modelPrimary(line), address);
-    if (!line.starts_with(listKey)) continue;
-    const ModelList list = modelList(line);
-    if (list.malformed) found.isMalformed = true;
-    found.secondaries.insert(found.secondaries.end(), list.entries.begin(), list.entries.end());
-  }
-  return found;
-}
-
-std::optional<std::string> modelRemoval(const Lines& lines, const std::string& address) {
-  const auto [isPrimary, isMalformed, secondaries] = modelAddresses(lines, address);
-  if (isMalformed || (isPrimary && secondaries.empty())) return std::nullopt;
-
-  Entries remaining;
-  for (std::size_t i = isPrimary ? 1 : 0; i < secondaries.size(); ++i) {
-    const AddressRecord& entry = secondaries[i];
-    if (!modelSameIPv6(entry.address, address)) remaining.push_back(entry);
-  }
-  std::string content;
-  for (const std::string& line : lines) {
-    if (line.starts_with(primaryKey) && isPrimary) {
-      content += primaryKey + formatted(secondaries.front()) + "\n";
-    } else if (!line.starts_with(listKey)) {
-      content += line;
-    } else if (!remaining.empty()) {
-      content += listKey + "\"" + joined(remaining) + "\"\n";
-    }
-  }
-  return content;
+  bool isParsed = true;
+  for (const std::string& line : lines) isParsed &= parse(line, key, entries);
+  return isParsed ? std::optional(entries) : std::nullopt;
 }
 
 using Edit = int (*)(std::FILE* oldFile, std::FILE* newFile, void* context);
@@ -173,38 +82,54 @@ std::optional<std::string> runEdit(Edit edit, std::string content, const Address
   return result == 0 ? std::optional(written) : std::nullopt;
 }
 
-void checkEdits(const std::string& content, const AddressRecord& address) {
-  const Lines lines = modelLines(content);
-  require(runEdit(copyWithIPv6, content, address) == modelAddition(lines, address),
+void checkOtherLinesAreKept(const Lines& lines, const std::string& written) {
+  std::size_t at = 0;
+  for (const std::string& line : lines) {
+    if (line.starts_with(primaryKey) || line.starts_with(listStem)) continue;
+    const std::size_t found = written.find(line, at);
+    require(found != std::string::npos, "every other line is kept, byte for byte and in order");
+    at = found + line.size();
+  }
+}
+
+void checkAdd(const std::string& content, const Lines& lines, const AddressRecord& address) {
+  const auto written = runEdit(copyWithIPv6, content, address);
+  require(written.has_value() == listed(lines, listStem).has_value(),
+          "an add fails exactly if a list is malformed");
+  if (!written) return;
+  checkOtherLinesAreKept(lines, *written);
+  require(written->find(listKey + '"' + formatIPv6Entry(address)) != std::string::npos,
           "an add puts the address first in the list");
-  require(runEdit(copyWithoutIPv6, content, address) == modelRemoval(lines, address.address),
-          "a delete promotes the first secondary or shortens the list");
+}
+
+void checkRemoval(const std::string& content, const Lines& lines, const AddressRecord& address) {
+  const auto before = listed(lines, listKey);
+  const auto written = runEdit(copyWithoutIPv6, content, address);
+  require(before || !written, "a removal fails if a list is malformed");
+  require(!before || before->empty() || written, "a removal fails only without another address");
+  if (!written) return;
+  checkOtherLinesAreKept(lines, *written);
+  for (const std::string& line : splitAt(*written, '\n')) {
+    Entries entries;
+    require(parse(line, listKey + '"', entries), "a written list can be parsed");
+    for (const AddressRecord& entry : entries) {
+      require(!modelSameIPv6(entry.address, address.address), "no entry is the removed address");
+    }
+  }
 }
 
 // An unquoted list survives formatting and parsing. A quote before the first entry would count as a
 // quote around the list.
 void checkRoundTrip(const Entries& entries) {
-  if (entries.empty() || isQuote(entries.front().address[0])) return;
+  if (entries.empty() || entries.front().address.starts_with('"') ||
+      entries.front().address.starts_with('\'')) {
+    return;
+  }
   std::string line = listKey;
   for (const AddressRecord& entry : entries) line += formatIPv6Entry(entry) + ' ';
   Entries readBack;
   parseIPv6List(line, readBack);
   require(readBack == entries, "an unquoted list reads back as it was written");
-}
-
-void checkParsing(const std::string& line) {
-  const ModelList expected = modelList(line);
-  Entries entries;
-  try {
-    parseIPv6List(line, entries);
-    require(!expected.malformed, "a malformed list is refused");
-  } catch (const std::runtime_error& failure) {
-    require(expected.malformed.has_value(), "a well-formed list is taken");
-    require(failure.what() == upToNul(*expected.malformed + ": cannot parse IPv6 address"),
-            "the message names the token");
-  }
-  checkRoundTrip(entries);
-  require(entries == expected.entries, "a list is read entry by entry");
 }
 
 }  // namespace
@@ -219,7 +144,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const auto operand = splitAt(upToNul(input.substr(0, lineEnd)), '/');
   const std::string content = input.substr(lineEnd + 1);
-  for (const std::string& line : modelLines(content)) checkParsing(line);
-  checkEdits(content, {operand.front(), modelUnsigned16(operand.back()).value.value_or(64)});
+  const Lines lines = piecesOf(content);
+  for (const std::string& line : lines) {
+    Entries entries;
+    parse(line, "", entries);
+    checkRoundTrip(entries);
+  }
+  const AddressRecord address{operand.front(), modelUnsigned16(operand.back()).value.value_or(64)};
+  checkAdd(content, lines, address);
+  checkRemoval(content, lines, address);
   return 0;
 }

@@ -83,15 +83,18 @@ TEST(MessageBounds, BytesTooFewForAHeaderAfterTheLastMessageAreIgnored) {
 }
 
 TEST(MessageBounds, AMessageEndsWhereItsLengthSays) {
-  // The bytes of the address are in the datagram, but after the end of the message.
-  for (std::uint32_t length = 24; length < 32; ++length) {
-    AddressMessage message = last;
+  // All bytes are in the datagram. Those after the end of the message are another message.
+  AddressMessage message = withAttributes(
+      {addressAttribute("192.0.2.1"), localAttribute("192.0.2.9"), labelAttribute("eth0:1")});
+  for (std::uint32_t length = 24; length <= 51; ++length) {
     message.claimedLength = length;
-    EXPECT_EQ(collect({message}), nothing) << "length " << length;
+    const AddressDump alias{{"eth0", {.aliases = {{"1", {"192.0.2.9", 24}}}}}};
+    EXPECT_EQ(collect({message}), length < 32   ? nothing
+                                  : length < 40 ? goodAlone
+                                  : length < 51 ? lastAlone
+                                                : alias)
+        << "length " << length;
   }
-  AddressMessage whole = last;
-  whole.claimedLength = 32;
-  EXPECT_EQ(collect({whole}), lastAlone);
 }
 
 // --- lengths of attributes ---
@@ -110,17 +113,11 @@ TEST(AttributeBounds, AnImpossibleLengthEndsTheAttributes) {
   }
 }
 
-TEST(AttributeBounds, TheNextAttributeBeginsAtAMultipleOfFour) {
+TEST(AttributeBounds, TheNextAttributeBeginsAtAMultipleOfFourAndTheLastNeedsNoPadding) {
   for (std::size_t size = 0; size < 9; ++size) {
     const Attribute other{IFA_CACHEINFO, std::string(size, 'x')};
     EXPECT_EQ(collect({withAttributes({other, addressAttribute("192.0.2.1")})}), goodAlone)
         << size << " bytes";
-  }
-}
-
-TEST(AttributeBounds, PaddingMayBeMissingAfterTheLastAttribute) {
-  for (std::size_t size = 1; size < 5; ++size) {
-    const Attribute other{IFA_CACHEINFO, std::string(size, 'x')};
     EXPECT_EQ(collect({withAttributes({addressAttribute("192.0.2.1"), other})}), goodAlone)
         << size << " bytes";
   }
@@ -170,43 +167,11 @@ std::vector<std::string> addressesIn(const AddressDump& dump) {
   return addresses;
 }
 
-// Checks what must be true of every dump.
-void expectSoundness(const AddressDump& dump) {
-  for (const auto& [name, interface] : dump) {
-    EXPECT_NE(interface, InterfaceAddresses{}) << name;
-    for (const auto& [suffix, record] : interface.aliases) {
-      EXPECT_EQ(suffix.find('\0'), std::string::npos);
-    }
-    for (const auto& record : interface.ipv6) EXPECT_NE(record.address, "::2");
-  }
-  for (const std::string& address : addressesIn(dump)) EXPECT_NO_THROW(addressBytes(address));
-}
-
 std::string anyInterface(unsigned index) {
   return "if" + std::to_string(index % 5);
 }
 
 TEST(RandomBytes, AreReadWithinBoundsAndYieldOnlyAddresses) {
-  std::mt19937 random(20240229);
-  std::size_t found = 0;
-  for (int round = 0; round < 5000; ++round) {
-    std::string bytes(random() % 200, '\0');
-    for (char& byte : bytes) byte = static_cast<char>(random());
-    // Without this, hardly any would be valid messages.
-    for (std::size_t at = 0; at + 28 < bytes.size(); at += 36) {
-      bytes.replace(at, 4, {static_cast<char>(random() % 64), 0, 0, 0});
-      bytes.replace(at + 16, 4, {random() % 2 == 0 ? '\x02' : '\x0A', 64, '\x80', 0});
-      bytes.replace(at + 24, 4, {static_cast<char>(random() % 32), 0, '\x01', 0});
-    }
-    const AddressDump dump = collect({bytes}, true, anyInterface);
-    classifyDatagram(ExactBytes(bytes).span());
-    expectSoundness(dump);
-    found += addressesIn(dump).size();
-  }
-  EXPECT_GT(found, 200U);  // enough rounds got as far as an address
-}
-
-TEST(RandomBytes, InAGoodDatagramAreReadWithinBounds) {
   const std::string whole = datagramOf(
       {good,
        withAttributes({labelAttribute("eth0:web:2"),
@@ -217,17 +182,19 @@ TEST(RandomBytes, InAGoodDatagramAreReadWithinBounds) {
        last});
   std::mt19937 random(20250801);
   std::size_t found = 0;
-  for (int round = 0; round < 10000; ++round) {
+  for (int round = 0; round < 15000; ++round) {
     std::string bytes = whole.substr(0, random() % (whole.size() + 1));
     for (auto changes = random() % 5; changes > 0 && !bytes.empty(); --changes) {
       bytes.at(random() % bytes.size()) = static_cast<char>(random());
     }
-    const AddressDump dump = collect({bytes}, false, anyInterface);
+    const AddressDump dump = collect({bytes}, round % 2 == 0, anyInterface);
     classifyDatagram(ExactBytes(bytes).span());
-    expectSoundness(dump);
-    found += addressesIn(dump).size();
+    for (const auto& [name, interface] : dump) EXPECT_NE(interface, InterfaceAddresses{}) << name;
+    const std::vector<std::string> addresses = addressesIn(dump);
+    for (const std::string& address : addresses) EXPECT_NO_THROW(addressBytes(address));
+    found += addresses.size();
   }
-  EXPECT_GT(found, 10000U);
+  EXPECT_GT(found, 15000U);
 }
 
 }  // namespace

@@ -100,18 +100,11 @@ TEST(RecordedDumps, EndWithASeparateDatagram) {
   }
 }
 
-TEST(RecordedDumps, AFreshMachineHasItsTwoAddresses) {
-  EXPECT_EQ(
-      replay("fresh"),
-      (AddressDump{{"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}}, .ipv6 = {{"2001:db8::1", 64}}}}}));
-}
-
-TEST(RecordedDumps, AFreshMachineHasLoopbackWithHostScope) {
-  EXPECT_EQ(replay("fresh", true),
-            (AddressDump{
-                {"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}}, .ipv6 = {{"2001:db8::1", 64}}}},
-                {"lo", {.primaryIPv4 = {{"127.0.0.1", 8}}, .ipv6 = {{"::1", 128}}}},
-            }));
+TEST(RecordedDumps, AFreshMachineHasTwoAddressesAndLoopbackWithHostScope) {
+  AddressDump fresh{{"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}}, .ipv6 = {{"2001:db8::1", 64}}}}};
+  EXPECT_EQ(replay("fresh"), fresh);
+  fresh["lo"] = {.primaryIPv4 = {{"127.0.0.1", 8}}, .ipv6 = {{"::1", 128}}};
+  EXPECT_EQ(replay("fresh", true), fresh);
 }
 
 // The kernel has more, which is ignored: addresses of link and host scope, a second address with
@@ -189,37 +182,6 @@ TEST(RecordedDumps, TruncatedDumpsYieldTheirWholeMessages) {
       }
       EXPECT_EQ(whole, ends.size() - 1);
     }
-  }
-}
-
-// Truncates the message and sets its length to match.
-AddressDump collectShortened(const std::string& message, std::size_t length) {
-  std::string cut = message.substr(0, length);
-  const auto claimed = static_cast<std::uint32_t>(length);
-  std::memcpy(cut.data(), &claimed, sizeof(claimed));
-  return collect({cut}, true, nameInScene);
-}
-
-TEST(RecordedDumps, TruncatedMessagesYieldTheirWholeAttributes) {
-  const std::string datagram = recordedDatagrams("varied").front();
-  const auto ends = messageEnds(datagram);
-  for (std::size_t n = 1; n < ends.size(); ++n) {
-    const std::string message = datagram.substr(ends.at(n - 1), ends.at(n) - ends.at(n - 1));
-    std::size_t whole = 16;
-    std::size_t next = 24;
-    for (std::size_t length = 16; length <= message.size(); ++length) {
-      rtattr attribute{};
-      if (next + sizeof(attribute) <= message.size()) {
-        std::memcpy(&attribute, message.data() + next, sizeof(attribute));
-      }
-      if (length == next + attribute.rta_len) {
-        whole = length;
-        next += (std::size_t{attribute.rta_len} + 3) / 4 * 4;
-      }
-      ASSERT_EQ(collectShortened(message, length), collectShortened(message, whole))
-          << "message " << n << " shortened to " << length;
-    }
-    EXPECT_EQ((whole + 3) / 4 * 4, message.size());
   }
 }
 
