@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -121,23 +122,10 @@ struct Outcome {
   bool operator==(const Outcome&) const = default;
 };
 
-Outcome collectTwice(std::span<const std::byte> datagram, bool includeHostScope) {
-  Outcome outcome;
-  AddressCollector collector(outcome.dump, includeHostScope, nameOfInterface);
-  try {
-    collector.collect(datagram);
-    collector.collect(datagram);
-  } catch (const std::runtime_error&) {
-    outcome.isRaised = true;
-  }
-  return outcome;
-}
-
-Outcome modelTwice(Octets datagram, bool includeHostScope) {
+Outcome outcomeOf(const std::function<void(AddressDump&)>& collect) {
   Outcome outcome;
   try {
-    modelDatagram(datagram, includeHostScope, outcome.dump);
-    modelDatagram(datagram, includeHostScope, outcome.dump);
+    collect(outcome.dump);
   } catch (const std::runtime_error&) {
     outcome.isRaised = true;
   }
@@ -159,9 +147,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   shifted.insert(shifted.end(), data, data + size);
   const auto odd = std::as_bytes(std::span(shifted).subspan(1));
   for (const bool includeHostScope : {false, true}) {
-    require(collectTwice(includeHostScope ? std::as_bytes(octets) : odd, includeHostScope) ==
-                modelTwice(octets, includeHostScope),
-            "a dump holds exactly the managed addresses");
+    const auto datagram = includeHostScope ? std::as_bytes(octets) : odd;
+    const Outcome outcome = outcomeOf([&](AddressDump& dump) {
+      AddressCollector collector(dump, includeHostScope, nameOfInterface);
+      collector.collect(datagram);
+      collector.collect(datagram);
+    });
+    const Outcome expected = outcomeOf([&](AddressDump& dump) {
+      modelDatagram(octets, includeHostScope, dump);
+      modelDatagram(octets, includeHostScope, dump);
+    });
+    require(outcome == expected, "a dump holds exactly the managed addresses");
   }
   return 0;
 }

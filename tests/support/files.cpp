@@ -35,6 +35,18 @@ void writeFile(const fs::path& path, const std::string& contents) {
   if (!file.flush()) throw std::runtime_error(path.string() + ": cannot be written");
 }
 
+std::FILE* openTexts(std::queue<std::string>& texts) {
+  const auto read = [](void* cookie, char* buffer, std::size_t size) -> ssize_t {
+    auto& rest = *static_cast<std::queue<std::string>*>(cookie);
+    if (rest.empty()) return 0;
+    const std::size_t count = rest.front().copy(buffer, size);
+    rest.front().erase(0, count);
+    if (rest.front().empty()) rest.pop();
+    return count == 0 ? -1 : static_cast<ssize_t>(count);
+  };
+  return fopencookie(&texts, "r", {read, nullptr, nullptr, nullptr});
+}
+
 std::vector<std::string> listDirectory(const fs::path& path) {
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(path)) {

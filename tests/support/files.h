@@ -1,7 +1,9 @@
-// Temporary directories, and reading and writing whole files.
+// Temporary directories, whole files, and streams whose reads are given.
 #pragma once
 
+#include <cstdio>
 #include <filesystem>
+#include <queue>
 #include <string>
 #include <vector>
 
@@ -29,6 +31,9 @@ std::string readFile(const std::filesystem::path& path);
 
 /// Creates or overwrites the file. Throws if it cannot be written.
 void writeFile(const std::filesystem::path& path, const std::string& contents);
+
+/// A stream that reads these texts one after the other. An empty text is a read error.
+std::FILE* openTexts(std::queue<std::string>& texts);
 
 /// Returns the sorted names in the directory.
 std::vector<std::string> listDirectory(const std::filesystem::path& path);

@@ -84,24 +84,16 @@ TEST(AnyLineHolds, AReadErrorEndsTheSearch) {
   EXPECT_FALSE(anyLineHolds(directory.get(), "10.0.0.1"));
 }
 
-// Gives one of the texts for each read. An empty one is a read error.
-ssize_t readNext(void* cookie, char* buffer, std::size_t size) {
-  auto& texts = *static_cast<std::queue<std::string>*>(cookie);
-  const std::size_t length = texts.front().copy(buffer, size);
-  texts.pop();
-  return length == 0 ? -1 : static_cast<ssize_t>(length);
-}
-
 TEST(AnyLineHolds, AReadErrorBehindTheFirstLineEndsTheSearch) {
   std::queue<std::string> texts({"first\nsec", "", "10.0.0.1\n"});
-  const File file(fopencookie(&texts, "r", {readNext, nullptr, nullptr, nullptr}), std::fclose);
+  const File file(openTexts(texts), std::fclose);
   EXPECT_FALSE(anyLineHolds(file.get(), "10.0.0.1"));
   EXPECT_EQ(texts.size(), 1U) << "nothing is read after the error";
 }
 
 TEST(AnyLineHolds, TheStartOfALineBeforeAReadErrorIsSearched) {
   std::queue<std::string> texts({"first\n10.0.0.1", ""});
-  const File file(fopencookie(&texts, "r", {readNext, nullptr, nullptr, nullptr}), std::fclose);
+  const File file(openTexts(texts), std::fclose);
   EXPECT_TRUE(anyLineHolds(file.get(), "10.0.0.1"));
 }
 

@@ -1,4 +1,5 @@
-// Dumps of a real kernel. tests/support/record_dumps recorded them and describes their scenes.
+// Dumps of a real kernel: the datagrams with which Linux 6.18 answered a request like addrtool's in
+// a sandbox. ip(8) had added the addresses.
 #include <gtest/gtest.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
