@@ -58,33 +58,26 @@ TEST_P(InvisibleIPv6, IsAddedAndSavedButNeitherListedNorDeleted) {
 
 INSTANTIATE_TEST_SUITE_P(Typed, InvisibleIPv6, ::testing::Values("fe80::5", "::2"));
 
-struct RefusedAddress {
-  std::string typed;
-  std::string third;
-  std::string words;
-};
-
-void PrintTo(const RefusedAddress& address, std::ostream* stream) {
-  *stream << address.typed << ' ' << address.third;
-}
-
-class RefusedByIfconfig : public ::testing::TestWithParam<RefusedAddress> {};
-
-TEST_P(RefusedByIfconfig, ChangesNothing) {
+TEST(RefusedByIfconfig, ChangesNothing) {
+  struct Row {
+    std::string address;
+    std::string third;
+    std::string complaint;
+  };
+  const std::vector<Row> rows{
+      {"300.1.1.1", "255.255.255.0", "300.1.1.1: Unknown host\n"},
+      {"2001:db8::g", "64", "2001:db8::g: Resolver Error 0 (no error)\n"},
+      {"fe80::5%eth0", "64", "fe80::5%eth0: Resolver Error 0 (no error)\n"},
+      {"2001:db8::6", "129", "Usage:\n  ifconfig "},
+  };
   const MachineState before;
-  const Outcome outcome = runAddrtool({"-a", "eth0", GetParam().typed, GetParam().third});
-  EXPECT_EQ(outcome.exitStatus, 1);
-  EXPECT_EQ(outcome.err.substr(0, GetParam().words.size()), GetParam().words);
-  EXPECT_EQ(MachineState(), before);
+  for (const auto& [address, third, complaint] : rows) {
+    const Outcome outcome = runAddrtool({"-a", "eth0", address, third});
+    EXPECT_EQ(outcome.exitStatus, 1);
+    EXPECT_TRUE(outcome.err.starts_with(complaint)) << outcome.err;
+    EXPECT_EQ(MachineState(), before);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Typed, RefusedByIfconfig,
-    ::testing::Values(
-        RefusedAddress{"300.1.1.1", "255.255.255.0", "300.1.1.1: Unknown host\n"},
-        RefusedAddress{"2001:db8::g", "64", "2001:db8::g: Resolver Error 0 (no error)\n"},
-        RefusedAddress{"fe80::5%eth0", "64", "fe80::5%eth0: Resolver Error 0 (no error)\n"},
-        RefusedAddress{"2001:db8::6", "129", "Usage:\n  ifconfig "}));
 
 TEST(UncheckedIPv6, WithAPrefixInItsTextMakesTheListUnreadable) {
   EXPECT_EQ(runAddrtool({"-a", "eth0", "2001:db8::6/64", "48"}), silentSuccess);

@@ -159,13 +159,11 @@ TEST_F(ConfigFile, ABadLineIsSkippedAndTheTableIsSortedAtTheEnd) {
             (Log{noSpace("B=2\n"), noValue("C\n"), noSpace("B=4\n"), noSpace("B")}));
 }
 
-TEST_F(ConfigFile, AnEmptyFileGivesAnEmptyTableWithFreeSlots) {
+TEST_F(ConfigFile, AnEmptyFileTakesTwentySlotsAndTwentyFiveDefinitionsForty) {
   EXPECT_EQ(readText(""), 0);
   EXPECT_EQ(table->count, 0U);
   EXPECT_EQ(table->capacity, 20U);
-}
 
-TEST_F(ConfigFile, TwentyFiveDefinitionsTakeFortySlots) {
   std::string text;
   for (int i = 0; i < 25; ++i) {
     text += "NAME_" + std::to_string(i) + " value_" + std::to_string(i) + "\n";
