@@ -105,7 +105,7 @@ class Kernel:
         link.ipv4.insert(len(link.ipv4) if address.is_secondary else after_primaries, address)
 
     def remove(self, link, address):
-        """A primary takes its secondaries with it, or hands its place to the first of them."""
+        """Removes the secondaries of a primary with it, or promotes the first of them."""
         position = index_of(link.ipv4, address)
         followers = link.ipv4[position + 1 :]
         secondaries = [
@@ -124,7 +124,7 @@ class Kernel:
         del link.ipv4[index_of(link.ipv4, address)]
 
     def promote(self, link, address, promoted):
-        """The new primary goes behind the last primary between it and the removed one."""
+        """Moves the new primary after the last primary between it and the removed one."""
         position, place = index_of(link.ipv4, address), index_of(link.ipv4, promoted)
         last_primary = position
         for between in range(position + 1, place):

@@ -75,7 +75,7 @@ class Streams:
 
 @dataclasses.dataclass
 class Interface:
-    """What is managed of an interface."""
+    """The managed addresses of an interface."""
 
     name: str
     mains: list
@@ -141,7 +141,7 @@ class Run:
         self.last_error = 0 if world.has_configuration else errno.ENOENT  # of a system call
 
     def main(self, arguments, operands_end_options):
-        """Gives the exit status."""
+        """Returns the exit status."""
         line = command_line.parse(arguments, operands_end_options)
         self.streams.complain(line.complaints)
         interface = ([""] + [argument for letter, argument in line.options if letter == "a"])[-1]
@@ -260,7 +260,7 @@ class Run:
         self.restore_aliases(interface, suffix)
 
     def restore_aliases(self, before, deleted_suffix):
-        """Puts back the aliases that vanished with the deleted one."""
+        """Restores the aliases that vanished with the deleted one."""
         after = [each for each in inventory(self.kernel) if each.name == before.name]
         left = {suffix for each in after for suffix, _ in each.aliases}
         for suffix, address in before.aliases:
@@ -306,7 +306,7 @@ class Run:
             del files[name]
 
     def replace_file(self, label, text):
-        """Gives 0, or the error's number. The attributes are the old file's."""
+        """Returns 0 or the number of the error. The attributes are the old file's."""
         if self.world.scripts_error:
             return self.world.scripts_error
         name, files = f"ifcfg-{label}", self.world.files
@@ -322,7 +322,7 @@ class Run:
         return 0
 
     def edit_file(self, label, edit, *operands):
-        """An IPv6 edit. Where it fails, the file stays and the run goes on."""
+        """An IPv6 edit. If it fails, the file stays and the run continues."""
         file = self.file(f"ifcfg-{label}")
         if self.world.scripts_error or not file:
             self.last_error = self.world.scripts_error or errno.ENOENT
@@ -372,7 +372,7 @@ def without_random(name):
 
 
 def run(world, arguments, operands_end_options=False):
-    """Gives (exit status, Streams)."""
+    """Returns (exit status, Streams)."""
     it = Run(world)
     try:
         status = it.main(arguments, operands_end_options)

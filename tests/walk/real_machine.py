@@ -10,6 +10,7 @@ import socket
 import struct
 import subprocess
 
+from machine import ip as run_ip
 from model import SCRIPTS, File, without_random
 
 TIMEOUT_SECONDS = 20  # of a run
@@ -59,10 +60,9 @@ class RealMachine:
         CONFIGURATION.parent.mkdir(exist_ok=True)
 
     def reset(self):
-        """Back to nothing but lo. The other end of a veth device goes with it."""
-        lines = "address flush dev lo\nlink set lo down\nlink set lo up\n"
-        lines += "".join(f"link delete {name}\n" for name in self.links if name != "lo")
-        subprocess.run(["ip", "-batch", "-"], text=True, check=True, input=lines)
+        """Removes every link but lo. The peer of a veth device is removed with it."""
+        links = [f"link delete {name}" for name in self.links if name != "lo"]
+        run_ip(["address flush dev lo", "link set lo down", "link set lo up", *links])
         self.links = {"lo": socket.if_nametoindex("lo")}
         self.set_scripts_error(0)
         shutil.rmtree(self.scripts)
@@ -89,10 +89,9 @@ class RealMachine:
     def add_link(self, name, kind):
         if kind == "veth":
             peer = f"peer{len(self.links)}"
-            lines = f"link add {name} type veth peer name {peer}\nlink set {peer} up\n"
+            run_ip([f"link add {name} type veth peer name {peer}", f"link set {peer} up"])
         else:
-            lines = f"link add {name} type {kind}\n"
-        subprocess.run(["ip", "-batch", "-"], text=True, check=True, input=lines)
+            run_ip([f"link add {name} type {kind}"])
         self.links[name] = socket.if_nametoindex(name)
 
     def rename(self, old, new):
@@ -147,7 +146,7 @@ class RealMachine:
             path.unlink(missing_ok=True)
 
     def set_scripts_error(self, error):
-        """What fails from now on where the directory is written: EROFS, ENOENT or nothing."""
+        """Makes writes to the directory fail with EROFS or ENOENT, or succeed again."""
         mount("-o", "remount,bind,rw", str(SYSCONFIG))
         place = AWAY if error == errno.ENOENT else pathlib.Path(SCRIPTS)
         self.scripts.rename(place)
@@ -259,7 +258,7 @@ def attribute(kind, value):
 
 
 def take_text(descriptor):
-    """What was written to a memory file, which is empty afterwards."""
+    """Returns the contents of a memory file and empties it."""
     size = os.lseek(descriptor, 0, os.SEEK_CUR)
     if not size:
         return ""

@@ -37,7 +37,7 @@ def set_up(world, machine, name, is_up):
 
 
 def rename(world, machine, old, new):
-    """The kernel renames what is down."""
+    """The kernel renames only a link that is down."""
     links = world.kernel.links
     if old in links and new not in links and not links[old].is_up:
         world.kernel.rename(old, new)

@@ -2,11 +2,11 @@
 """Walks at random through adds, deletes, listings and checks, and compares each step with a model.
 
 Runs inside scripts/sandbox. A walk changes several interfaces and their files, by
-addrtool and behind its back. After each step the kernel's table, the state of the
+addrtool and by others. After each step the kernel's table, the state of the
 links, all files, both streams and the exit status must be what the model says.
 
 Each leg of a walk starts in a fresh world. A leg that shows a difference is shortened
-as long as it shows any difference, and printed. --replay walks printed steps again.
+while it still shows a difference, and printed. --replay walks printed steps again.
 """
 
 import argparse
@@ -58,7 +58,7 @@ class Walker:
         steps.compare(world, self.machine)
 
     def leg(self, seed, length):
-        """Gives the steps that were taken, and the difference that the last one showed, or None."""
+        """Returns the steps taken, and the difference after the last one or None."""
         world, taken = self.start(), []
         for step in choose(Dice(seed, self.owners), world, length):
             taken.append(step)
@@ -70,7 +70,7 @@ class Walker:
         return taken, None
 
     def replay(self, walk):
-        """Gives the steps up to the first difference, and that, or None."""
+        """Returns the steps up to the first difference, and that difference, or None."""
         world = self.start()
         for number, step in enumerate(walk, start=1):
             try:
