@@ -128,8 +128,9 @@ void checkRemoval(const std::string& content, const Lines& lines, const AddressR
   const std::string firstPromoted = listLine(*entries, address.address);
   for (const std::string& line : splitAt(*written, '\n')) {
     if (!line.starts_with(listKey)) continue;
-    require(line == allKept || (line == firstPromoted && written->find(promoted) != line.npos),
-            "a list loses the address, or its first entry to the primary");
+    require(
+        line == allKept || (line == firstPromoted && written->find(promoted) != std::string::npos),
+        "a list loses the address, or its first entry to the primary");
   }
 }
 
