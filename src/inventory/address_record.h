@@ -11,7 +11,7 @@ namespace addrtool {
 struct AddressRecord {
   std::string address;  ///< as inet_ntop(3) prints it, or as the user typed it
   /// In bits. The kernel reports 0..32 for IPv4 and 0..128 for IPv6; the user may type more.
-  std::uint16_t prefixLength = 0;
+  std::uint16_t prefixLength = {};
 
   bool operator==(const AddressRecord&) const = default;
 };

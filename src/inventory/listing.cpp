@@ -34,7 +34,7 @@ bool printLine(std::string line) {
     const ssize_t written = write(STDOUT_FILENO, rest.data(), rest.size());
     if (written > 0) {
       rest.remove_prefix(static_cast<std::size_t>(written));
-    } else if (written == 0 || !canRetryWrite()) {
+    } else if (!canRetryWrite()) {
       return false;
     }
   }

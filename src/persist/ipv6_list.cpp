@@ -145,7 +145,7 @@ int runEdit(Edit edit, std::FILE* oldFile, std::FILE* newFile, void* context) {
   try {
     return edit(oldFile, newFile, static_cast<const LabelledAddress*>(context)->address);
   } catch (const std::exception& failure) {
-    reportMessage(0, 1, "%s", failure.what());
+    reportMessage(0, unusedFlag, "%s", failure.what());
     return -1;
   }
 }

@@ -99,18 +99,18 @@ int printMessage(const char* message, int status, int /*flag*/) {
 
 void checkLeftoverArguments(int argc, int firstOperand, char** /*argv*/) {
   if (argc == firstOperand) return;
-  reportMessage(1, 1,
+  reportMessage(1, unusedFlag,
                 "Some parameters in command string are left unprocessed. Check parameters please.");
 }
 
 void checkRequiredParameter(int present, const char* value, const char* name) {
   if (present == 0 || (value != nullptr && *value != '\0')) return;
-  reportMessage(1, 1, "Missing parameter '%s' or previous parameter is empty.\n", name);
+  reportMessage(1, unusedFlag, "Missing parameter '%s' or previous parameter is empty.\n", name);
 }
 
 void* reallocOrDie(void* pointer, std::size_t size) {
   void* result = std::realloc(pointer, size);
-  if (result == nullptr) reportMessage(1, 1, "alloc(%d)", static_cast<int>(size));
+  if (result == nullptr) reportMessage(1, unusedFlag, "alloc(%d)", static_cast<int>(size));
   return result;
 }
 

@@ -11,10 +11,13 @@ namespace addrtool {
 /// If not null, every message starts with the last component of this path and ": ".
 extern const char* messageProgramName;  // NOLINT(*-avoid-non-const-global-variables): a setting
 
+/// What callers pass as `flag`, which has no effect.
+inline constexpr int unusedFlag = 1;
+
 /// Formats the text and prints it with printMessage. If errno is not 0, "\nSystem error %d: %s"
 /// with its number and text follows. The buffer has room for 4095 characters. It grows for a longer
 /// text, but not for this suffix: a suffix that does not fit is dropped. Returns only if status is
-/// 0. `flag` is unused; callers pass 1.
+/// 0. `flag` is unused.
 __attribute__((format(printf, 3, 4))) void reportMessage(int status, int flag, const char* format,
                                                          ...);
 
