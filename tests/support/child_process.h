@@ -29,6 +29,11 @@ inline Outcome failure(const std::string& message) {
   return {1, 0, "", message + '\n'};
 }
 
+/// The same text on both streams.
+inline Outcome onBothStreams(const std::string& text, int status = 0) {
+  return {status, 0, text, text};
+}
+
 /// For readable failures.
 void PrintTo(const Outcome& outcome, std::ostream* stream);
 

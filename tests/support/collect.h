@@ -22,6 +22,8 @@ inline std::string nameOfInterface(unsigned index) {
   return names.at(index - 1);
 }
 
+inline const AddressDump nothing;
+
 inline AddressDump collect(const std::vector<std::string>& datagrams, bool includeHostScope = false,
                            AddressCollector::InterfaceNamer interfaceNamer = nameOfInterface) {
   AddressDump dump;

@@ -21,7 +21,6 @@ const AddressMessage good{.attributes = {addressAttribute("192.0.2.1"), localAtt
                                          labelAttribute("eth0")}};
 const AddressMessage last{.attributes = {addressAttribute("192.0.2.9")}};
 
-const AddressDump nothing;
 const AddressDump goodAlone{{"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}}}}};
 const AddressDump lastAlone{{"eth0", {.primaryIPv4 = {{"192.0.2.9", 24}}}}};
 const AddressDump goodAndLast{{"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}, {"192.0.2.9", 24}}}}};

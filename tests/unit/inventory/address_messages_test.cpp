@@ -47,8 +47,6 @@ AddressDump alias(const std::string& suffix) {
   return eth0With({.aliases = {{suffix, {"192.0.2.1", 24}}}});
 }
 
-const AddressDump nothing;
-
 // --- how addresses are written ---
 
 TEST(AddressMessages, AnIPv4AddressIsWrittenAsInetNtopWritesIt) {

@@ -24,10 +24,6 @@ __attribute__((format(printf, 2, 3))) void logThroughList(int priority, const ch
   va_end(arguments);
 }
 
-Outcome onBothStreams(const std::string& text) {
-  return {0, 0, text, text};
-}
-
 TEST(LogSettings, DefaultToTheConsoleAndLevelInfo) {
   EXPECT_EQ(logTarget, nullptr);
   EXPECT_EQ(logThreshold, 6);

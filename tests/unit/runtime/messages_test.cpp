@@ -20,10 +20,6 @@ namespace {
 
 const std::string permissionSuffix = "\nSystem error 13: Permission denied";
 
-Outcome onBothStreams(const std::string& text, int status = 0) {
-  return {status, 0, text, text};
-}
-
 // What a child process prints when it reports the text while errno is `error`.
 Outcome reportWithErrno(int error, const std::string& text, int status = 0) {
   return runInChild([&] {
