@@ -19,7 +19,7 @@ namespace {
 // first waits until it takes more.
 bool canRetryWrite() {
   if (errno == EAGAIN) {
-    pollfd output{STDOUT_FILENO, POLLOUT, 0};
+    pollfd output{STDOUT_FILENO, POLLOUT, {}};
     if (poll(&output, 1, -1) != -1) return true;
   }
   return errno == EINTR;

@@ -151,16 +151,18 @@ TEST(Listing, MakesOneReceivePerDatagramAndOneWritePerLine) {
 }
 
 TEST(Listing, ContinuesAfterAShortOrInterruptedWriteAndStopsAtAFailure) {
+  ip("link add eth1 type bridge\naddress add 10.1.0.1/24 dev eth1");
+  const std::string whole = freshListing + "10.1.0.1 255.255.255.0 eth1 1\n";
   struct Row {
     Lines injections;
     std::string printed;
     std::size_t writes;
   };
   const std::vector<Row> rows{
-      {{"write:retval=5:when=1"}, freshListing.substr(5), 3},
-      {{"write:error=EINTR:when=1"}, freshListing, 3},
-      {{"write:error=EINTR:when=2"}, freshListing, 3},
-      {{"write:error=EAGAIN:when=1", "/poll:error=EINTR:when=1"}, freshListing, 3},
+      {{"write:retval=5:when=1"}, whole.substr(5), 4},
+      {{"write:error=EINTR:when=1"}, whole, 4},
+      {{"write:error=EINTR:when=2"}, whole, 4},
+      {{"write:error=EAGAIN:when=1", "/poll:error=EINTR:when=1"}, whole, 4},
       {{"write:error=EAGAIN:when=2", "/poll:error=ENOMEM"}, line1, 2},
       {{"write:retval=0:when=2"}, line1, 2},
       {{"write:error=ENOSPC:when=1"}, "", 1},
