@@ -86,7 +86,7 @@ TEST(IPv6List, AnEntryNeedsExactlyOneSlash) {
   };
   for (const auto& [line, token] : table) {
     Entries entries;
-    EXPECT_EQ(failureOf([&, &line = line] { parseIPv6List(line, entries); }),
+    EXPECT_EQ(failureOf([&, &text = line] { parseIPv6List(text, entries); }),
               token + ": cannot parse IPv6 address");
   }
 }
