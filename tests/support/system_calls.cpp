@@ -21,18 +21,18 @@ std::string hexadecimal(const std::string& bytes) {
   return text;
 }
 
-// Ends the running test and reports it as skipped.
-[[noreturn]] void skipTest(const char* reason) {
+}  // namespace
+
+void skipUnderEmulator(const char* reason) {
+  if (!ADDRTOOL_EMULATED) return;
   using ::testing::TestPartResult;
-  [reason] { GTEST_SKIP() << reason; }();
+  [reason] { GTEST_SKIP() << "Cannot run under an emulator: " << reason; }();
   throw ::testing::AssertionException({TestPartResult::kSkip, __FILE__, __LINE__, reason});
 }
 
-}  // namespace
-
 Trace traceCommand(const std::vector<std::string>& options,
                    const std::vector<std::string>& command) {
-  if (ADDRTOOL_EMULATED) skipTest("strace would show the emulator's system calls");
+  skipUnderEmulator("strace would show the emulator's system calls");
   const TemporaryDirectory directory;
   const std::string log = directory / "calls";
   // The leak sanitizer does not work in a traced program.

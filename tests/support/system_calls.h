@@ -14,8 +14,12 @@ struct Trace {
   std::vector<std::string> calls;  ///< lines of strace, in order
 };
 
-/// Runs the command under strace with these options (`-e trace=...`, `-e inject=...`). Under an
-/// emulator, it ends the test instead, which ctest then lists as skipped.
+/// Ends the running test if an emulator runs the programs. ctest then lists the test as skipped,
+/// and scripts/test counts it under its reason.
+void skipUnderEmulator(const char* reason);
+
+/// Runs the command under strace with these options (`-e trace=...`, `-e inject=...`). A test that
+/// calls this cannot run under an emulator.
 Trace traceCommand(const std::vector<std::string>& options,
                    const std::vector<std::string>& command);
 

@@ -101,9 +101,7 @@ TEST(RunIfconfig, ReportsAMissingCommandAsTheShellDoes) {
 // If the caller ignores SIGCHLD, the program inherits that, and waiting for a child fails. Then the
 // command counts as failed with status 255, even if it succeeded.
 TEST(RunIfconfig, ReportsAFailedWaitAsStatus255) {
-  if (ADDRTOOL_EMULATED) {
-    GTEST_SKIP() << "the shell that starts the emulator stops ignoring SIGCHLD";
-  }
+  skipUnderEmulator("the shell that starts the emulator stops ignoring SIGCHLD");
   const NetworkFiles filesBefore = networkFiles();
   const Outcome outcome = runCommand(
       {"env", "--ignore-signal=CHLD", "addrtool", "-a", "eth0", "192.0.2.10", "255.255.255.0"});
