@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <memory>
 #include <queue>
 #include <string>
@@ -85,14 +86,14 @@ TEST(AnyLineHolds, AReadErrorEndsTheSearch) {
 }
 
 TEST(AnyLineHolds, AReadErrorBehindTheFirstLineEndsTheSearch) {
-  std::queue<std::string> texts({"first\nsec", "", "10.0.0.1\n"});
+  std::queue<std::string> texts(std::deque<std::string>{"first\nsec", "", "10.0.0.1\n"});
   const File file(openTexts(texts), std::fclose);
   EXPECT_FALSE(anyLineHolds(file.get(), "10.0.0.1"));
   EXPECT_EQ(texts.size(), 1U) << "nothing is read after the error";
 }
 
 TEST(AnyLineHolds, TheStartOfALineBeforeAReadErrorIsSearched) {
-  std::queue<std::string> texts({"first\n10.0.0.1", ""});
+  std::queue<std::string> texts(std::deque<std::string>{"first\n10.0.0.1", ""});
   const File file(openTexts(texts), std::fclose);
   EXPECT_TRUE(anyLineHolds(file.get(), "10.0.0.1"));
 }
