@@ -175,6 +175,8 @@ TEST(Listing, ContinuesAfterAShortOrInterruptedWriteAndStopsAtAFailure) {
     const Trace trace = traceCommand(options, {"addrtool", "-l"});
     EXPECT_EQ(trace.outcome, success(printed)) << injections[0];
     EXPECT_EQ(callsStarting("write(1, ", trace.calls).size(), writes) << injections[0];
+    EXPECT_EQ(callsStarting("poll(", trace.calls).size(),
+              callsStarting("poll([{fd=1, events=POLLOUT}], 1, -1)", trace.calls).size());
   }
 }
 
