@@ -17,8 +17,10 @@ endif()
 
 # Each architecture and compiler offers some of these: -fcf-protection is x86's,
 # -mbranch-protection is ARM's. tests/release/hardening_test knows which.
+# With -Werror, a flag that clang only warns about counts as missing.
 if(ADDRTOOL_HARDEN)
   target_compile_options(addrtool_flags INTERFACE -fPIE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  set(CMAKE_REQUIRED_FLAGS -Werror)
   foreach(flag -fstack-protector-strong -fstack-clash-protection
           -fcf-protection=full -mbranch-protection=standard)
     string(MAKE_C_IDENTIFIER "ADDRTOOL_HAS${flag}" has_flag)
@@ -27,6 +29,7 @@ if(ADDRTOOL_HARDEN)
       target_compile_options(addrtool_flags INTERFACE ${flag})
     endif()
   endforeach()
+  unset(CMAKE_REQUIRED_FLAGS)
   foreach(flag relro now noexecstack separate-code)
     string(MAKE_C_IDENTIFIER "ADDRTOOL_HAS_Z_${flag}" has_flag)
     check_linker_flag(CXX LINKER:-z,${flag} ${has_flag})
