@@ -5,13 +5,13 @@
 
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "support/files.h"
+#include "support/patterns.h"
 
 namespace addrtool::testing {
 namespace {
@@ -22,16 +22,10 @@ using Arrows = std::map<std::string, Folders>;
 
 const fs::path root = ADDRTOOL_ROOT_DIR;
 
-// Every match of the pattern in the text, reduced to its groups.
-std::vector<std::smatch> findAll(const std::string& text, const std::string& pattern) {
-  const std::regex regex(pattern);
-  return {std::sregex_iterator(text.begin(), text.end(), regex), std::sregex_iterator()};
-}
-
 // The folders among the linked libraries: addrtool_inventory is the library of inventory.
 Folders foldersIn(const std::string& libraries) {
   Folders folders;
-  for (const std::smatch& match : findAll(libraries, R"(addrtool_(\w+))")) {
+  for (const auto& match : findAll(libraries, R"(addrtool_(\w+))")) {
     if (match[1] != "flags") folders.insert(match[1]);
   }
   return folders;
@@ -41,11 +35,10 @@ Folders foldersIn(const std::string& libraries) {
 Arrows linkedFolders() {
   const std::string build = readFile(root / "src/CMakeLists.txt");
   Arrows arrows;
-  for (const std::smatch& match : findAll(build, R"re(add_subsystem\((\w+) SOURCES([^)]*)\))re")) {
+  for (const auto& match : findAll(build, R"re(add_subsystem\((\w+) SOURCES([^)]*)\))re")) {
     arrows[match[1]] = foldersIn(match[2]);
   }
-  for (const std::smatch& match :
-       findAll(build, R"re(target_link_libraries\(addrtool ([^)]*)\))re")) {
+  for (const auto& match : findAll(build, R"re(target_link_libraries\(addrtool ([^)]*)\))re")) {
     arrows["cli"].merge(foldersIn(match[1]));
   }
   return arrows;
@@ -60,7 +53,7 @@ Arrows includedFolders(const Arrows& linked) {
     const std::string folder = relative(file, root / "src").begin()->string();
     Folders& included = arrows[folder];
     const std::string text = readFile(file);
-    for (const std::smatch& match : findAll(text, R"re(#\s*include\s*"([^"/]*)[^"]*")re")) {
+    for (const auto& match : findAll(text, R"re(#\s*include\s*"([^"/]*)[^"]*")re")) {
       if (match[1] == folder) continue;
       included.insert(match[1]);
       EXPECT_TRUE(linked.at(folder).contains(match[1])) << file << " must not include " << match[1];
@@ -73,7 +66,7 @@ Arrows includedFolders(const Arrows& linked) {
 Arrows drawnFolders() {
   const std::string text = readFile(root / "docs/architecture.md");
   Arrows arrows;
-  for (const std::smatch& match : findAll(text, R"((\w+) --> (\w+))")) {
+  for (const auto& match : findAll(text, R"((\w+) --> (\w+))")) {
     arrows[match[1]].insert(match[2]);
   }
   return arrows;
