@@ -1,12 +1,11 @@
-// Calls the library that reads /etc/kel/kel.conf. It keeps what it loaded as long as the process
-// lives, so each case runs in a child process.
+// The library that reads /etc/kel/kel.conf, and the program, which loads the file and uses no
+// value.
 #include "runtime/runtime_config.h"
 
 #include <malloc.h>
+#include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
 
 #include "support/failing_call.h"
@@ -16,225 +15,251 @@
 namespace addrtool::testing {
 namespace {
 
-const fs::path config = "/etc/kel/kel.conf";
+const fs::path kelConf = "/etc/kel/kel.conf";
 constexpr const char* definesNothing = "# nothing\n";
 
-void print(const char* text) {
-  std::printf("%s\n", text == nullptr ? "(null)" : text);
+// --- the library keeps what it loaded, so each case runs in a child process ----
+
+// Runs the function with this file, or with none if it is null. An expectation that fails in the
+// child process prints its message.
+Outcome runWithFile(const char* contents, const std::function<void()>& function) {
+  fs::create_directories(kelConf.parent_path());
+  fs::remove(kelConf);
+  if (contents != nullptr) writeFile(kelConf, contents);
+  return runInChild(function);
 }
 
-void printLoading() {
-  std::printf("%d\n", loadRuntimeConfiguration());
+// Expects that nothing is printed: all expectations in the function hold.
+void expectWithFile(const char* contents, const std::function<void()>& expectations) {
+  EXPECT_EQ(runWithFile(contents, expectations), silentSuccess);
 }
 
-// What a child process prints on standard output if the file has these contents at its start. Null
-// stands for no file.
-std::string outputWith(const char* contents, const std::function<void()>& function) {
-  fs::create_directories(config.parent_path());
-  fs::remove(config);
-  if (contents != nullptr) writeFile(config, contents);
-  const Outcome outcome = runInChild(function);
-  EXPECT_EQ(outcome.exitStatus, 0) << outcome.err;
-  return outcome.out;
-}
-
-// Expects that the function returns true in a child process, which prints nothing.
-void expectInChild(const std::function<bool()>& function) {
-  EXPECT_EQ(runInChild([&] { std::exit(function() ? 9 : 8); }), (Outcome{9, 0, "", ""}));
-}
-
-// Prints the result of the function for every variable.
-void printAll(const char* (*valueOf)(ConfigVariable)) {
-  for (std::size_t i = 0; i < configVariables.size(); ++i) {
-    print(valueOf(static_cast<ConfigVariable>(i)));
-  }
-}
-
-std::string joinedDefaults(std::size_t count) {
-  std::string defaults;
-  for (std::size_t i = 0; i < count; ++i) {
-    defaults += std::string(configVariables.at(i).defaultValue) + "\n";
-  }
-  return defaults;
+void expectOneError(const std::vector<LoggedMessage>& messages) {
+  ASSERT_EQ(messages.size(), 1U);
+  EXPECT_EQ(messages[0].priority, 3);
 }
 
 TEST(LoadRuntimeConfiguration, ReadsTheFileOnce) {
-  EXPECT_EQ(outputWith("NAME first\n",
-                       [] {
-                         printLoading();
-                         writeFile(config, "NAME second\n");
-                         printLoading();
-                         print(lookupConfigFile("NAME"));
-                         fs::remove(config);
-                         printLoading();
-                       }),
-            "0\n0\nfirst\n0\n");
+  expectWithFile("NAME first\n", [] {
+    EXPECT_EQ(loadRuntimeConfiguration(), 0);
+    writeFile(kelConf, "NAME second\n");
+    EXPECT_EQ(loadRuntimeConfiguration(), 0);
+    EXPECT_STREQ(lookupConfigFile("NAME"), "first");
+    fs::remove(kelConf);
+    EXPECT_EQ(loadRuntimeConfiguration(), 0);
+  });
 }
 
 TEST(LoadRuntimeConfiguration, AMissingFileFailsSilentlyAndLeaksNothing) {
-  fs::remove_all(config.parent_path());
-  expectInChild([] { return loadRuntimeConfiguration() == -1 && errno == ENOENT; });
-  expectInChild([] {
-    static_cast<void>(loadRuntimeConfiguration());
+  expectWithFile(nullptr, [] {
+    fs::remove(kelConf.parent_path());
+    EXPECT_EQ(loadRuntimeConfiguration(), -1);
+    EXPECT_EQ(errno, ENOENT);
     const std::size_t before = mallinfo2().uordblks;
     for (int i = 0; i < 1000; ++i) static_cast<void>(loadRuntimeConfiguration());
-    return mallinfo2().uordblks - before < 20000;
+    EXPECT_LT(mallinfo2().uordblks - before, 20000U);
   });
 }
 
 TEST(LoadRuntimeConfiguration, NothingIsKeptAfterAFailure) {
-  EXPECT_EQ(outputWith(nullptr,
-                       [] {
-                         printLoading();
-                         fs::create_directory(config);
-                         printLoading();
-                         fs::remove(config);
-                         writeFile(config, "NAME value\n");
-                         printLoading();
-                         print(lookupConfigFile("NAME"));
-                       }),
-            "-1\n-1\n0\nvalue\n");
+  expectWithFile(nullptr, [] {
+    EXPECT_EQ(loadRuntimeConfiguration(), -1);
+    fs::create_directory(kelConf);
+    EXPECT_EQ(loadRuntimeConfiguration(), -1);
+    fs::remove(kelConf);
+    writeFile(kelConf, "NAME value\n");
+    EXPECT_EQ(loadRuntimeConfiguration(), 0);
+    EXPECT_STREQ(lookupConfigFile("NAME"), "value");
+  });
 }
 
 TEST(LoadRuntimeConfiguration, OutOfMemoryForTheStructureIsLogged) {
-  EXPECT_EQ(outputWith(definesNothing,
-                       [] {
-                         const FailingAllocations failing(1);
-                         printLoading();
-                         printLoading();
-                       }),
-            "Not enough memory to allocate Vexa runtime configuration structure\n-1\n0\n");
-  expectInChild([] {
-    const LogRecorder log;
+  const auto failOnce = [] {
     const FailingAllocations failing(1);
-    const bool failed = loadRuntimeConfiguration() == -1;
-    const auto messages = LogRecorder::take();
-    return failed && messages.size() == 1 && messages[0].priority == 3;
+    EXPECT_EQ(loadRuntimeConfiguration(), -1);
+    EXPECT_EQ(loadRuntimeConfiguration(), 0);
+  };
+  EXPECT_EQ(runWithFile(definesNothing, failOnce),
+            onBothStreams("Not enough memory to allocate Vexa runtime configuration structure\n"));
+  expectWithFile(definesNothing, [&failOnce] {
+    const LogRecorder log;
+    failOnce();
+    expectOneError(LogRecorder::take());
   });
 }
 
 TEST(LoadRuntimeConfiguration, OutOfMemoryForTheTableFails) {
   for (const int nth : {2, 3, 4, 5, 6}) {
-    EXPECT_EQ(outputWith("NAME value\n",
-                         [nth] {
-                           {
-                             const FailingAllocations failing(nth);
-                             printLoading();
-                           }
-                           print(lookupConfigFile("NAME"));
-                         }),
-              "-1\nvalue\n")
-        << "for allocation " << nth;
+    SCOPED_TRACE("allocation " + std::to_string(nth));
+    expectWithFile("NAME value\n", [nth] {
+      {
+        const FailingAllocations failing(nth);
+        EXPECT_EQ(loadRuntimeConfiguration(), -1);
+      }
+      EXPECT_STREQ(lookupConfigFile("NAME"), "value");
+    });
   }
 }
 
 TEST(LookupConfigFile, LoadsTheFileAndFindsTheName) {
-  EXPECT_EQ(outputWith("B 1\nNAME value\nA 2\nB 3\n",
-                       [] {
-                         print(lookupConfigFile("NAME"));
-                         print(lookupConfigFile("B"));
-                         print(lookupConfigFile("C"));
-                         print(lookupConfigFile("DUMP_D"));
-                       }),
-            "value\n3\n(null)\n(null)\n");
+  expectWithFile("B 1\nNAME value\nA 2\nB 3\n", [] {
+    EXPECT_STREQ(lookupConfigFile("NAME"), "value");
+    EXPECT_STREQ(lookupConfigFile("B"), "3");
+    EXPECT_EQ(lookupConfigFile("C"), nullptr);
+    EXPECT_EQ(lookupConfigFile("DUMP_D"), nullptr);
+  });
 }
 
 TEST(LookupConfigFile, ReturnsNullWhileTheFileCannotBeLoaded) {
-  EXPECT_EQ(outputWith(nullptr,
-                       [] {
-                         print(lookupConfigFile("NAME"));
-                         writeFile(config, "NAME value\n");
-                         print(lookupConfigFile("NAME"));
-                       }),
-            "(null)\nvalue\n");
+  expectWithFile(nullptr, [] {
+    EXPECT_EQ(lookupConfigFile("NAME"), nullptr);
+    writeFile(kelConf, "NAME value\n");
+    EXPECT_STREQ(lookupConfigFile("NAME"), "value");
+  });
 }
 
 TEST(ConfigValues, ComeFromTheFileFirst) {
-  EXPECT_EQ(outputWith("DUMP_D /elsewhere\nSA_MAX_MAIL_SIZE 7\n"
-                       "_MIN_POSSIBLE_KEL_CONF_VAR_NAME lowest\n",
-                       [] {
-                         print(getConfigValue(ConfigVariable::DUMP_D));
-                         print(getConfigValue(ConfigVariable::SA_MAX_MAIL_SIZE));
-                         print(getConfigValue(ConfigVariable::DUMP_TMP_D));
-                         print(getConfigValueOrDefault(ConfigVariable::DUMP_D));
-                         print(getConfigValueByName("DUMP_D"));
-                         print(getConfigValueByName("_MIN_POSSIBLE_KEL_CONF_VAR_NAME"));
-                       }),
-            "/elsewhere\n7\n(null)\n/elsewhere\n/elsewhere\nlowest\n");
+  expectWithFile("DUMP_D /elsewhere\nSA_MAX_MAIL_SIZE 7\n_MIN_POSSIBLE_KEL_CONF_VAR_NAME lowest\n",
+                 [] {
+                   EXPECT_STREQ(getConfigValue(ConfigVariable::DUMP_D), "/elsewhere");
+                   EXPECT_STREQ(getConfigValue(ConfigVariable::SA_MAX_MAIL_SIZE), "7");
+                   EXPECT_EQ(getConfigValue(ConfigVariable::DUMP_TMP_D), nullptr);
+                   EXPECT_STREQ(getConfigValueOrDefault(ConfigVariable::DUMP_D), "/elsewhere");
+                   EXPECT_STREQ(getConfigValueByName("DUMP_D"), "/elsewhere");
+                   EXPECT_STREQ(getConfigValueByName("_MIN_POSSIBLE_KEL_CONF_VAR_NAME"), "lowest");
+                 });
 }
 
 TEST(GetConfigValue, CachesAFoundValueButNoMissingOne) {
-  EXPECT_EQ(outputWith(nullptr,
-                       [] {
-                         print(getConfigValue(ConfigVariable::DUMP_D));
-                         writeFile(config, "DUMP_D /elsewhere\n");
-                         const char* value = getConfigValue(ConfigVariable::DUMP_D);
-                         print(value);
-                         print(value == getConfigValue(ConfigVariable::DUMP_D) ? "same" : "other");
-                       }),
-            "(null)\n/elsewhere\nsame\n");
+  expectWithFile(nullptr, [] {
+    EXPECT_EQ(getConfigValue(ConfigVariable::DUMP_D), nullptr);
+    writeFile(kelConf, "DUMP_D /elsewhere\n");
+    const char* const value = getConfigValue(ConfigVariable::DUMP_D);
+    EXPECT_STREQ(value, "/elsewhere");
+    EXPECT_EQ(value, getConfigValue(ConfigVariable::DUMP_D));
+  });
 }
 
 TEST(GetConfigValue, ReturnsTheValueOfEachVariable) {
   std::string contents;
-  std::string values;
-  for (std::size_t i = 0; i < configVariables.size(); ++i) {
-    contents += std::string(configVariables.at(i).name) + " " + std::to_string(i) + "\n";
-    values += std::to_string(i) + "\n";
+  for (const ConfigVariableInfo& variable : configVariables) {
+    contents += std::string(variable.name) + " value of " + variable.name + '\n';
   }
-  EXPECT_EQ(outputWith(contents.c_str(),
-                       [&] {
-                         printAll(getConfigValue);
-                         printAll(getConfigValue);
-                       }),
-            values + values);
+  expectWithFile(contents.c_str(), [] {
+    for (int round = 0; round < 2; ++round) {
+      for (std::size_t i = 0; i < configVariables.size(); ++i) {
+        EXPECT_STREQ(getConfigValue(static_cast<ConfigVariable>(i)),
+                     ("value of " + std::string(configVariables.at(i).name)).c_str());
+      }
+    }
+  });
 }
 
 TEST(GetConfigValueOrDefault, FallsBackToTheDefaultOfTheVariable) {
   for (const char* const contents : {definesNothing, static_cast<const char*>(nullptr)}) {
-    EXPECT_EQ(outputWith(contents, [] { printAll(getConfigValueOrDefault); }),
-              joinedDefaults(configVariables.size()));
+    expectWithFile(contents, [] {
+      for (std::size_t i = 0; i < configVariables.size(); ++i) {
+        EXPECT_STREQ(getConfigValueOrDefault(static_cast<ConfigVariable>(i)),
+                     configVariables.at(i).defaultValue);
+      }
+    });
   }
 }
 
 TEST(GetConfigValue, IsNullOutsideTheTable) {
   for (const unsigned index : {30U, 31U, 255U}) {
-    EXPECT_EQ(outputWith("NAME value\n",
-                         [index] {
-                           const auto variable = static_cast<ConfigVariable>(index);
-                           print(getConfigValue(variable));
-                           print(getConfigValueOrDefault(variable));
-                         }),
-              "(null)\n(null)\n");
+    expectWithFile("NAME value\n", [index] {
+      EXPECT_EQ(getConfigValue(static_cast<ConfigVariable>(index)), nullptr);
+      EXPECT_EQ(getConfigValueOrDefault(static_cast<ConfigVariable>(index)), nullptr);
+    });
   }
 }
 
 TEST(GetConfigValueByName, KnowsAllVariablesExceptTheUpperSentinel) {
-  constexpr std::size_t known = configVariables.size() - 1;
-  EXPECT_EQ(outputWith(definesNothing,
-                       [] {
-                         for (std::size_t i = 0; i < known; ++i) {
-                           print(getConfigValueByName(configVariables.at(i).name));
-                         }
-                       }),
-            joinedDefaults(known));
+  expectWithFile(definesNothing, [] {
+    for (std::size_t i = 0; i < configVariables.size() - 1; ++i) {
+      EXPECT_STREQ(getConfigValueByName(configVariables.at(i).name),
+                   configVariables.at(i).defaultValue);
+    }
+  });
 }
 
 TEST(GetConfigValueByName, LogsAnUnknownName) {
   for (const std::string name : {"_MAX_POSSIBLE_KEL_CONF_VAR_NAME", "NAME", "", "dump_d"}) {
-    const std::string line = "variable '" + name +
-                             "' was found neither in /etc/kel/kel.conf, nor in compile-time "
-                             "defaults\n";
-    fs::create_directories(config.parent_path());
-    writeFile(config, name + " value\n");  // the file does not make the name known
-    EXPECT_EQ(runInChild([&] { print(getConfigValueByName(name.c_str())); }),
-              (Outcome{0, 0, line + "(null)\n", line}));
-    expectInChild([&] {
+    const std::string contents = name + " value\n";  // the file does not make the name known
+    const auto lookUp = [&name] { EXPECT_EQ(getConfigValueByName(name.c_str()), nullptr); };
+    EXPECT_EQ(runWithFile(contents.c_str(), lookUp),
+              onBothStreams("variable '" + name +
+                            "' was found neither in /etc/kel/kel.conf, nor in compile-time "
+                            "defaults\n"));
+    expectWithFile(contents.c_str(), [&lookUp] {
       const LogRecorder log;
-      getConfigValueByName(name.c_str());
-      const auto messages = LogRecorder::take();
-      return messages.size() == 1 && messages[0].priority == 3;
+      lookUp();
+      expectOneError(LogRecorder::take());
     });
+  }
+}
+
+// --- the program ----------------------------------------------------------------
+
+struct ConfigurationLoading : ::testing::Test {
+  void SetUp() override { fs::create_directories(kelConf.parent_path()); }
+};
+
+std::string manyDefinitions(int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += "NAME_" + std::to_string(i) + " value\n";
+  return text;
+}
+
+TEST_F(ConfigurationLoading, DoesNotDependOnTheContents) {
+  using namespace std::string_literals;
+  std::string repeated;
+  for (int i = 0; i < 4000; ++i) repeated += manyDefinitions(25);
+  for (const std::string& contents :
+       {""s, "# comment\n\nPRODUCT_ROOT_D /opt/kel\nNAME=value\nNAME\nDUMP_D /d # x"s,
+        manyDefinitions(25), std::string(1000000, 'x'), "NAME " + std::string(1000000, 'x') + "\n",
+        "NAME\0 value\n\0\0\nB \0\n"s, readFile("/bin/sh"), manyDefinitions(10000),
+        std::string(5000000, '\n'), repeated}) {
+    writeFile(kelConf, contents);
+    EXPECT_EQ(runAddrtool({"-l"}), success(freshListing)) << contents.substr(0, 100);
+  }
+}
+
+TEST_F(ConfigurationLoading, AFileThatCannotBeReadChangesNothing) {
+  for (const std::string command : {"mkdir kel.conf", "ln -s kel.conf kel.conf",
+                                    "ln -s /proc/self/mem kel.conf", "rmdir /etc/kel"}) {
+    prepare("cd /etc/kel; rm -rf kel.conf; " + command);
+    EXPECT_EQ(runAddrtool({"-l"}), success(freshListing)) << command;
+  }
+}
+
+// Opening a FIFO without a writer blocks the program.
+TEST_F(ConfigurationLoading, ComesAfterTheChecksOfTheCommandLine) {
+  ASSERT_EQ(mkfifo(kelConf.c_str(), 0600), 0);
+  EXPECT_EQ(runShell("timeout 20 addrtool -l extra").exitStatus, 1);
+  EXPECT_EQ(runShell("timeout 20 addrtool").exitStatus, 2);
+  EXPECT_EQ(runShell("timeout 20 addrtool -a eth0 192.0.2.5").exitStatus, 2);
+}
+
+TEST_F(ConfigurationLoading, ComesBeforeTheFirstAction) {
+  ASSERT_EQ(mkfifo(kelConf.c_str(), 0600), 0);
+  EXPECT_EQ(runShell("timeout 1 addrtool -l -h"), (Outcome{124, 0, "", ""}));
+}
+
+TEST_F(ConfigurationLoading, HappensOnceForEveryAction) {
+  const std::vector<std::pair<Lines, int>> rows{
+      {{"addrtool", "-l", "-l"}, 0},
+      {{"addrtool", "-h"}, 2},
+      {{"addrtool", "-d", "192.0.2.1"}, 1},
+      {{"addrtool", "-v", "10.0.0.1"}, 0},
+      {{"addrtool", "-a", "eth0", "192.0.2.10", "255.255.255.0"}, 0},
+  };
+  for (const auto& [command, status] : rows) {
+    const auto [outcome, calls] =
+        traceCommand({"-P", kelConf, "-e", "trace=?open,openat", "-e", "signal=none"}, command);
+    EXPECT_EQ(outcome.exitStatus, status) << command[1];
+    EXPECT_EQ(calls.size(), 1U) << command[1];
   }
 }
 
