@@ -39,11 +39,15 @@ void ip(const std::string& commands);
 /// Returns the addresses in the order of the kernel.
 Lines addManyAddresses(int count, bool withLabels = false);
 
-/// Adds an alias with ip(8), so no file is written.
-void addAlias(const std::string& label, const std::string& addressAndLength);
+/// Adds addresses with ip(8), so no file is written. They have the form of kernelAddresses(), and
+/// may end in more words for ip(8): "eth0:1 10.0.0.1/32 scope host".
+void addAddresses(const Lines& addresses);
 
 /// Makes a second interface with these addresses, "10.0.0.1/24", and an interface file.
 void addInterface(const std::string& name, const Lines& addresses);
+
+/// Gives the next row of a table a fresh network and the network scripts of the first call.
+void resetMachine();
 
 /// The listing of a fresh sandbox.
 inline const std::string freshListing =
@@ -53,18 +57,22 @@ inline const std::string freshListing =
 /// Runs the program.
 Outcome runAddrtool(const Lines& arguments);
 
-/// Expects that the program fails with this message, prints nothing else and changes nothing.
-void expectRefused(const Lines& arguments, const std::string& message);
+/// Expects that the program succeeds and prints nothing.
+void expectSilentSuccess(const Lines& arguments);
 
-/// Expects the same of a run in which a system call fails: `injection` is an option of strace.
-void expectRefusedWith(const std::string& injection, const Lines& arguments,
-                       const std::string& message);
+/// Expects that it adds this address to eth0 and prints nothing.
+void add(const std::string& address, const std::string& netmaskOrPrefix = "255.255.255.0");
+
+/// Expects that the program fails with this message, prints nothing else and changes nothing.
+/// `injection` is an option of strace that makes a system call fail.
+void expectRefused(const Lines& arguments, const std::string& message,
+                   const std::string& injection = "");
 
 /// The global addresses that ip(8) shows, sorted: "eth0:1 192.0.2.10/24", "eth0 2001:db8::1/64".
 Lines kernelAddresses();
 
-/// The same for a fresh sandbox to which these were added.
-Lines withFreshAddresses(Lines added);
+/// Expects that the kernel has the addresses of a fresh sandbox and these, in any order.
+void expectAdded(Lines added);
 
 /// A file of the network scripts. Only a regular file has contents here.
 struct NetworkFile {

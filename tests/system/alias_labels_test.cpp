@@ -8,36 +8,23 @@
 namespace addrtool::testing {
 namespace {
 
-const std::string name4 = "ens3";
-const std::string name12 = "enp193s0f1np";
 const std::string name13 = "enp193s0f1np1";
-const std::string name14 = "enp193s0f1np12";
 const std::string name15 = "enx001122334455";
 
 void makeInterface(const std::string& name) {
-  ip("link add " + name + " type veth peer name peer0\nlink set " + name +
-     " up\naddress add 10.1.1.1/24 dev " + name);
-}
-
-void takeNumbers(const std::string& interface, int first, int last) {
-  std::string commands;
-  for (int number = first; number <= last; ++number) {
-    const std::string text = std::to_string(number);
-    commands += "address add 10.1.2." + text + "/32 dev " + interface + " label " + interface +
-                ':' + text + '\n';
-  }
-  ip(commands);
+  ip("link add " + name + " type veth peer name peer0\nlink set " + name + " up");
+  addAddresses({name + " 10.1.1.1/24"});
 }
 
 void renameInterface(const std::string& from, const std::string& to) {
   ip("link set " + from + " down\nlink set " + from + " name " + to + "\nlink set " + to + " up");
 }
 
-void expectNextAlias(const std::string& interface, int number) {
+void expectAlias(const std::string& interface, int number) {
   const std::string address = "10.1.3." + std::to_string(number);
   const std::string label = interface + ':' + std::to_string(number);
   MachineState expected;
-  EXPECT_EQ(runAddrtool({"-a", interface, address, "255.255.255.255"}), silentSuccess);
+  expectSilentSuccess({"-a", interface, address, "255.255.255.255"});
   expected.addresses.push_back(label + ' ' + address + "/32");
   std::ranges::sort(expected.addresses);
   expected.files["ifcfg-" + label] = {aliasText(label, address, "255.255.255.255")};
@@ -54,54 +41,46 @@ void expectRefusal(const Lines& arguments, const std::string& message) {
   EXPECT_EQ(links(), linksBefore);
 }
 
-void expectNoFreeNumber(const std::string& interface) {
-  expectRefusal({"-a", interface, "10.1.3.100", "255.255.255.255"},
-                interface + ": no free alias number.");
-}
-
-TEST(AliasLabels, NamesOf14And15BytesHaveNoNumber) {
-  for (const std::string& name : {name14, name15}) {
+TEST(AliasLabels, ANumberIsUsedOnlyIfItFitsBehindTheName) {
+  struct Row {
+    std::string name;
+    int last;               // the numbers up to this one are taken
+    std::vector<int> free;  // except for these
+    bool isFullThen;
+  };
+  const std::vector<Row> rows{
+      {"ens3", 100, {100}, false}, {"enp193s0f1np", 99, {99}, true},
+      {name13, 9, {5, 9}, true},   {"enp193s0f1np12", 0, {}, true},
+      {name15, 0, {}, true},
+  };
+  for (const auto& [name, last, free, isFullThen] : rows) {
+    SCOPED_TRACE(name);
     makeInterface(name);
-    expectNoFreeNumber(name);
+    Lines taken;
+    for (int number = 1; number <= last; ++number) {
+      const std::string text = std::to_string(number);
+      if (std::ranges::count(free, number) == 0) {
+        taken.push_back(name + ':' + text + " 10.1.2." + text + "/32");
+      }
+    }
+    addAddresses(taken);
+    for (const int number : free) expectAlias(name, number);
+    if (isFullThen) {
+      expectRefusal({"-a", name, "10.1.3.100", "255.255.255.255"},
+                    name + ": no free alias number.");
+    }
     ip("link delete " + name);
   }
 }
 
-TEST(AliasLabels, ANameOf13BytesHasNineNumbers) {
-  makeInterface(name13);
-  takeNumbers(name13, 1, 4);
-  takeNumbers(name13, 6, 8);
-  expectNextAlias(name13, 5);
-  expectNextAlias(name13, 9);
-  expectNoFreeNumber(name13);
-}
-
-TEST(AliasLabels, ANameOf12BytesHas99Numbers) {
-  makeInterface(name12);
-  takeNumbers(name12, 1, 98);
-  expectNextAlias(name12, 99);
-  expectNoFreeNumber(name12);
-}
-
-TEST(AliasLabels, AShortNameHasNumbersAbove99) {
-  makeInterface(name4);
-  takeNumbers(name4, 1, 99);
-  expectNextAlias(name4, 100);
-}
-
-TEST(AliasLabels, AnAliasWhoseLabelBecameTooLongIsKept) {
+TEST(AliasLabels, AnAliasIsDeletedOnlyIfItsLabelStillFits) {
   makeInterface("eth5");
-  takeNumbers("eth5", 1, 1);
+  addAddresses({"eth5:1 10.1.2.1/32"});
   renameInterface("eth5", name15);
   expectRefusal({"-d", "10.1.2.1"}, name15 + ":1: alias label too long.");
-}
-
-TEST(AliasLabels, AnAliasWhoseLabelStillFitsIsDeleted) {
-  makeInterface("eth5");
-  takeNumbers("eth5", 1, 1);
-  renameInterface("eth5", name13);
-  EXPECT_EQ(runAddrtool({"-d", "10.1.2.1"}), silentSuccess);
-  EXPECT_EQ(kernelAddresses(), withFreshAddresses({name13 + " 10.1.1.1/24"}));
+  renameInterface(name15, name13);
+  expectSilentSuccess({"-d", "10.1.2.1"});
+  expectAdded({name13 + " 10.1.1.1/24"});
 }
 
 // ifconfig would add to the interface with the truncated name.
@@ -118,10 +97,8 @@ TEST(AliasLabels, AnIPv6AddOnALabelThatIsTooLongIsRefused) {
 // With the first alias of the subnet the kernel drops the other three.
 TEST(AliasLabels, RestoringStopsAtALabelThatIsTooLong) {
   makeInterface("eth5");
-  ip(R"(address add 10.1.2.1/24 dev eth5 label eth5:1
-        address add 10.1.2.2/24 dev eth5 label eth5:0
-        address add 10.1.2.3/24 dev eth5 label eth5:10
-        address add 10.1.2.4/24 dev eth5 label eth5:2)");
+  addAddresses(
+      {"eth5:1 10.1.2.1/24", "eth5:0 10.1.2.2/24", "eth5:10 10.1.2.3/24", "eth5:2 10.1.2.4/24"});
   renameInterface("eth5", name13);
   for (const char* const suffix : {"0", "1", "10", "2"}) {
     writeFile(interfaceFile(name13 + ':' + suffix), suffix);
@@ -133,8 +110,7 @@ TEST(AliasLabels, RestoringStopsAtALabelThatIsTooLong) {
                      {"/sbin/ifconfig '" + name13 + ":1' down",
                       "/sbin/ifconfig '" + name13 + ":0' '10.1.2.2' netmask  '255.255.255.0' up"},
                      failure(name13 + ":10: alias label too long."));
-  EXPECT_EQ(kernelAddresses(),
-            withFreshAddresses({name13 + " 10.1.1.1/24", name13 + ":0 10.1.2.2/24"}));
+  expectAdded({name13 + " 10.1.1.1/24", name13 + ":0 10.1.2.2/24"});
   EXPECT_EQ(networkFiles(), files);
 }
 

@@ -3,8 +3,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstddef>
+#include <stdexcept>
 
 #include "support/sandbox_machine.h"
 
@@ -17,8 +17,8 @@ const auto pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 class ChangesWithoutFiles : public ::testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
-    ASSERT_EQ(runAddrtool({"-a", "eth0", "2001:db8::5", "64"}), silentSuccess);
+    add("192.0.2.10");
+    add("2001:db8::5", "64");
   }
 
   const std::string addedText = aliasText("eth0:2", "192.0.2.11", "255.255.255.0");
@@ -38,8 +38,7 @@ class ChangesWithoutFiles : public ::testing::Test {
     EXPECT_EQ(addIPv6(), silentSuccess);
     EXPECT_EQ(deleteIPv6(), silentSuccess);
     EXPECT_EQ(deleteIPv4(), silentSuccess);
-    EXPECT_EQ(kernelAddresses(),
-              withFreshAddresses({"eth0 2001:db8::6/64", "eth0:2 192.0.2.11/24"}));
+    expectAdded({"eth0 2001:db8::6/64", "eth0:2 192.0.2.11/24"});
   }
 
   // Mounts a small file system there, with the files that were there before.
@@ -55,14 +54,12 @@ class ChangesWithoutFiles : public ::testing::Test {
     writeFile(networkScripts / "filler", std::string(pageSize, 'x'));
   }
 
-  // The name of the temporary file that a failed replacement leaves behind, or "".
+  // The name of the temporary file that a failed replacement leaves behind.
   static std::string leftOver(const std::string& label) {
-    const std::string stem = interfaceFile(label).filename().string() + '.';
-    const auto names = listDirectory(networkScripts);
-    const auto found = std::find_if(names.begin(), names.end(), [&stem](const std::string& name) {
-      return name.starts_with(stem) && name.size() == stem.size() + 6;
-    });
-    return found == names.end() ? "" : *found;
+    for (const std::string& name : listDirectory(networkScripts)) {
+      if (name.starts_with("ifcfg-" + label + '.') && name.size() == label.size() + 13) return name;
+    }
+    throw std::runtime_error("no temporary file of " + label);
   }
 };
 
@@ -119,9 +116,7 @@ TEST_F(ChangesWithoutFiles, CannotReplaceADirectoryWithAnAliasFile) {
   NetworkFiles files = networkFiles();
   EXPECT_EQ(addIPv4(), aliasFileFailure("Is a directory"));
   EXPECT_EQ(kernelAddresses().back(), "eth0:2 192.0.2.11/24");
-  const std::string name = leftOver("eth0:2");
-  ASSERT_NE(name, "");
-  files[name] = {addedText, 0100755};  // the mode of the directory
+  files[leftOver("eth0:2")] = {addedText, 0100755};  // the mode of the directory
   EXPECT_EQ(networkFiles(), files);
   EXPECT_EQ(readFile(interfaceFile("eth0:2") / "precious"), "kept\n");
 }
@@ -136,7 +131,7 @@ TEST_F(ChangesWithoutFiles, IgnoreADirectoryInPlaceOfAFile) {
   EXPECT_EQ(addIPv6(), silentSuccess);
   EXPECT_EQ(deleteIPv4(), silentSuccess);
   EXPECT_EQ(deleteIPv6(), silentSuccess);
-  EXPECT_EQ(kernelAddresses(), withFreshAddresses({"eth0 2001:db8::6/64"}));
+  expectAdded({"eth0 2001:db8::6/64"});
   EXPECT_EQ(networkFiles(), files);
   for (const char* label : {"eth0", "eth0:1"}) {
     EXPECT_EQ(readFile(interfaceFile(label) / "precious"), "kept\n");
@@ -163,9 +158,7 @@ TEST_F(ChangesWithoutFiles, KeepASocketInPlaceOfTheInterfaceFile) {
   EXPECT_EQ(addIPv6(), silentSuccess);
   EXPECT_EQ(kernelAddresses()[2], "eth0 2001:db8::5/64");
   EXPECT_EQ(kernelAddresses()[3], "eth0 2001:db8::6/64");
-  const std::string name = leftOver("eth0");
-  ASSERT_NE(name, "");
-  files[name] = {"", 0100600};
+  files[leftOver("eth0")] = {"", 0100600};
   EXPECT_EQ(networkFiles(), files);
 }
 

@@ -17,6 +17,10 @@ const std::string usageText =
     "  -v,  --qv-assigned-ip <ipaddress>            determine if <ipaddress> was assigned to this "
     "VE\n";
 
+const std::string leftover =
+    "Some parameters in command string are left unprocessed. Check parameters please.\n";
+const std::string mainKept = "192.0.2.1: cannot delete main IP on interface\n";
+
 // Expects that the program prints this and then its usage text, and changes nothing.
 void expectUsage(const std::vector<Lines>& commandLines, const std::string& out = "",
                  const std::string& complaint = "") {
@@ -45,7 +49,7 @@ TEST(CommandLine, HelpPrintsTheUsageTextAndEnds) {
 }
 
 TEST(CommandLine, AnAddWithoutExactlyTwoOperandsPrintsTheUsageText) {
-  ASSERT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
+  add("192.0.2.10");
   expectUsage({{"-a", "eth0"},
                {"-a", "eth0", "192.0.2.5"},
                {"192.0.2.5", "-a", "eth0"},
@@ -102,9 +106,6 @@ TEST(CommandLine, EachListOptionListsOnce) {
   EXPECT_EQ(runAddrtool({"-lll"}), success(freshListing + freshListing + freshListing));
 }
 
-const std::string leftoverMessage =
-    "Some parameters in command string are left unprocessed. Check parameters please.\n";
-
 // The message ends in a system error if the start of the program left one in errno.
 TEST(CommandLine, LeftoverOperandsEndTheProgramBeforeAnyAction) {
   for (const Lines& arguments : std::vector<Lines>{{"-l", "extra"},
@@ -119,8 +120,8 @@ TEST(CommandLine, LeftoverOperandsEndTheProgramBeforeAnyAction) {
     const std::string& text = outcome.err;
     EXPECT_EQ(outcome.exitStatus, 1) << text;
     EXPECT_EQ(outcome.out, text);
-    ASSERT_TRUE(text.starts_with(leftoverMessage)) << text;
-    const std::string rest = text.substr(leftoverMessage.size());
+    ASSERT_TRUE(text.starts_with(leftover)) << text;
+    const std::string rest = text.substr(leftover.size());
     EXPECT_TRUE(rest.empty() ||
                 (rest.starts_with("System error ") && rest.find('\n') == rest.size() - 1))
         << text;
@@ -130,90 +131,95 @@ TEST(CommandLine, LeftoverOperandsEndTheProgramBeforeAnyAction) {
 // The failed write of the complaint about -x sets errno.
 TEST(CommandLine, LeftoverOperandsAreReportedWithTheErrorInErrno) {
   EXPECT_EQ(runShell("addrtool -x -l extra 2>/dev/full"),
-            (Outcome{1, 0, leftoverMessage + "System error 28: No space left on device\n", ""}));
+            (Outcome{1, 0, leftover + "System error 28: No space left on device\n", ""}));
+}
+
+TEST(CommandLine, PosixlyCorrectEndsTheOptionsAtTheFirstOperand) {
+  const MachineState before;
+  const std::string add = "addrtool -a eth0 192.0.2.10 255.255.255.0 -l";
+  EXPECT_EQ(runShell("POSIXLY_CORRECT=1 " + add).exitStatus, 2);
+  EXPECT_EQ(MachineState(), before);
+  EXPECT_EQ(runShell(add), success(freshListing));
+  EXPECT_NE(MachineState(), before);
 }
 
 // --- several actions: what comes first, and what is left when one fails -------
 
-struct ActionsRow {
-  std::string rule;
-  Lines arguments;
-  Outcome outcome;
-  Lines aliases;  // at the end; the first two exist at the start
-};
-
-void PrintTo(const ActionsRow& row, std::ostream* stream) {
-  *stream << ::testing::PrintToString(row.arguments);
-}
-
-using Actions = ::testing::TestWithParam<ActionsRow>;
-
-TEST_P(Actions, RunInOrderUntilOneFails) {
-  const auto& [rule, arguments, outcome, aliases] = GetParam();
-  ASSERT_EQ(runAddrtool({"-a", "eth0", "192.0.2.10", "255.255.255.0"}), silentSuccess);
-  ASSERT_EQ(runAddrtool({"-a", "eth0", "192.0.2.11", "255.255.255.0"}), silentSuccess);
-  addInterface("eth1", {"198.51.100.1/24"});
-  NetworkFiles files{{"ifcfg-eth0", networkFiles().at("ifcfg-eth0")},
-                     {"ifcfg-eth1", {"DEVICE=eth1\n"}}};
-  Lines addresses{"eth1 198.51.100.1/24"};
-  for (const std::string& alias : aliases) {
-    const std::size_t blank = alias.find(' ');
-    const std::string label = alias.substr(0, blank);
-    addresses.push_back(alias + "/24");
-    files["ifcfg-" + label] = {aliasText(label, alias.substr(blank + 1), "255.255.255.0")};
+TEST(Actions, RunInOrderUntilOneFails) {
+  struct Row {
+    std::string rule;
+    Lines arguments;
+    Outcome outcome;
+    Lines aliases;  // at the end; the first two exist at the start
+  };
+  const std::string one = "eth0:1 192.0.2.10";
+  const std::string two = "eth0:2 192.0.2.11";
+  const Outcome listed = success(
+      "192.0.2.1 255.255.255.0 eth0 1\n192.0.2.10 255.255.255.0 eth0 0\n"
+      "192.0.2.11 255.255.255.0 eth0 0\n2001:db8::1 64 eth0 0\n"
+      "198.51.100.1 255.255.255.0 eth1 1\n");
+  const std::vector<Row> rows{
+      {"list before delete", {"-d", "192.0.2.10", "-l"}, listed, {two}},
+      {"list before add",
+       {"192.0.2.12", "-a", "eth0", "255.255.255.0", "-l"},
+       listed,
+       {one, two, "eth0:3 192.0.2.12"}},
+      {"delete before add, which takes the freed number",
+       {"-a", "eth0", "192.0.2.12", "255.255.255.0", "-d", "192.0.2.10"},
+       silentSuccess,
+       {"eth0:1 192.0.2.12", two}},
+      {"add on the last named interface only",
+       {"-a", "eth0", "-a", "eth1", "10.0.0.5", "255.255.255.0"},
+       silentSuccess,
+       {one, two, "eth1:1 10.0.0.5"}},
+      {"list before a failing delete",
+       {"-d", "192.0.2.1", "-l"},
+       {1, 0, listed.out, mainKept},
+       {one, two}},
+      {"a failing delete stops the rest and undoes nothing",
+       {"-a", "eth0", "192.0.2.12", "255.255.255.0", "-d", "192.0.2.10", "-d", "192.0.2.1", "-d",
+        "192.0.2.11"},
+       {1, 0, "", mainKept},
+       {two}},
+      {"a failing add undoes no delete",
+       {"-a", "eth9", "192.0.2.12", "255.255.255.0", "-d", "192.0.2.10"},
+       failure("eth9: no such network interface."),
+       {two}},
+  };
+  for (const auto& [rule, arguments, outcome, aliases] : rows) {
+    SCOPED_TRACE(rule);
+    resetMachine();
+    addInterface("eth1", {"198.51.100.1/24"});
+    NetworkFiles files = networkFiles();
+    add("192.0.2.10");
+    add("192.0.2.11");
+    Lines addresses{"eth1 198.51.100.1/24"};
+    for (const std::string& alias : aliases) {
+      const std::size_t blank = alias.find(' ');
+      const std::string label = alias.substr(0, blank);
+      addresses.push_back(alias + "/24");
+      files["ifcfg-" + label] = {aliasText(label, alias.substr(blank + 1), "255.255.255.0")};
+    }
+    EXPECT_EQ(runAddrtool(arguments), outcome);
+    expectAdded(addresses);
+    EXPECT_EQ(networkFiles(), files);
   }
-  EXPECT_EQ(runAddrtool(arguments), outcome);
-  EXPECT_EQ(kernelAddresses(), withFreshAddresses(addresses));
-  EXPECT_EQ(networkFiles(), files);
 }
 
-const std::string one = "eth0:1 192.0.2.10";
-const std::string two = "eth0:2 192.0.2.11";
-const Outcome listed = success(
-    "192.0.2.1 255.255.255.0 eth0 1\n192.0.2.10 255.255.255.0 eth0 0\n"
-    "192.0.2.11 255.255.255.0 eth0 0\n2001:db8::1 64 eth0 0\n198.51.100.1 255.255.255.0 eth1 1\n");
-const std::string mainKept = "192.0.2.1: cannot delete main IP on interface";
-
-INSTANTIATE_TEST_SUITE_P(
-    Several, Actions,
-    ::testing::Values(ActionsRow{"ListBeforeDelete", {"-d", "192.0.2.10", "-l"}, listed, {two}},
-                      ActionsRow{"ListBeforeAdd",
-                                 {"192.0.2.12", "-a", "eth0", "255.255.255.0", "-l"},
-                                 listed,
-                                 {one, two, "eth0:3 192.0.2.12"}},
-                      ActionsRow{"DeleteBeforeAddWhichTakesTheFreedNumber",
-                                 {"-a", "eth0", "192.0.2.12", "255.255.255.0", "-d", "192.0.2.10"},
-                                 silentSuccess,
-                                 {"eth0:1 192.0.2.12", two}},
-                      ActionsRow{"AddOnTheLastNamedInterfaceOnly",
-                                 {"-a", "eth0", "-a", "eth1", "10.0.0.5", "255.255.255.0"},
-                                 silentSuccess,
-                                 {one, two, "eth1:1 10.0.0.5"}},
-                      ActionsRow{"ListBeforeAFailingDelete",
-                                 {"-d", "192.0.2.1", "-l"},
-                                 {1, 0, listed.out, mainKept + '\n'},
-                                 {one, two}},
-                      ActionsRow{"AFailingDeleteStopsTheRestAndUndoesNothing",
-                                 {"-a", "eth0", "192.0.2.12", "255.255.255.0", "-d", "192.0.2.10",
-                                  "-d", "192.0.2.1", "-d", "192.0.2.11"},
-                                 failure(mainKept),
-                                 {two}},
-                      ActionsRow{"AFailingAddUndoesNoDelete",
-                                 {"-a", "eth9", "192.0.2.12", "255.255.255.0", "-d", "192.0.2.10"},
-                                 failure("eth9: no such network interface."),
-                                 {two}}),
-    [](const auto& row) { return row.param.rule; });
-
-TEST(CommandLine, AFailingListingStopsTheOtherActions) {
-  addAlias("eth0:1", "192.0.2.10/24");
-  expectRefusedWith("inject=sendto:error=ENOBUFS:when=1",
-                    {"-l", "-v", "10.0.0.1", "-d", "192.0.2.10"},
-                    "Can not send RTM_GETADDR request: No buffer space available");
+TEST(Actions, StopWhenTheKernelCannotBeAsked) {
+  add("192.0.2.10");
+  for (const Lines& arguments : std::vector<Lines>{{"-a", "eth0", "192.0.2.11", "255.255.255.0"},
+                                                   {"-d", "192.0.2.10"},
+                                                   {"-d", "2001:db8::1"},
+                                                   {"-l", "-v", "10.0.0.1", "-d", "192.0.2.10"}}) {
+    expectRefused(arguments, "Can not send RTM_GETADDR request: No buffer space available",
+                  "inject=sendto:error=ENOBUFS:when=1");
+  }
 }
 
 // A sanitizer ends a program that runs out of memory, so the test exists only without one.
 #if !ADDRTOOL_SANITIZED
-TEST(CommandLine, AnActionThatRunsOutOfMemoryIsReported) {
+TEST(Actions, ThatRunOutOfMemoryAreReported) {
   addManyAddresses(2000, true);
   const Lines calls = traceCommand({"-e", "trace=brk,/^mmap,socket"}, {"addrtool", "-l"}).calls;
   const auto socket = std::ranges::find_if(
@@ -231,11 +237,78 @@ TEST(CommandLine, AnActionThatRunsOutOfMemoryIsReported) {
 }
 #endif
 
-TEST(CommandLine, DeletesRunInTheOrderOfTheCommandLine) {
-  addAlias("eth0:1", "192.0.2.10/24");
-  addAlias("eth0:2", "192.0.2.11/24");
+TEST(Actions, DeletesRunInTheOrderOfTheCommandLine) {
+  addAddresses({"eth0:1 192.0.2.10/24", "eth0:2 192.0.2.11/24"});
   expectCommandLines({"-d", "192.0.2.11", "--del", "192.0.2.10"},
                      {"/sbin/ifconfig 'eth0:2' down", "/sbin/ifconfig 'eth0:1' down"});
+}
+
+// --- both streams in one file: the output has the order of the events ---------
+
+// Runs the program and returns both streams as one text.
+std::string outputOf(const std::string& arguments) {
+  const Outcome outcome = runShell("addrtool " + arguments + " 2>&1");
+  EXPECT_EQ(outcome.err, "");
+  return outcome.out;
+}
+
+// A message of the support library goes to both streams. It may end in a system error.
+void expectTwice(const std::string& start, const std::string& output) {
+  const std::string message = output.substr(0, output.size() / 2);
+  EXPECT_TRUE(message.starts_with(start)) << output;
+  EXPECT_EQ(output, message + message);
+}
+
+TEST(StreamsInOrder, EveryMessageComesAfterTheAnswersBeforeIt) {
+  const std::string complaint = "addrtool: invalid option -- 'x'\n";
+  const std::vector<std::pair<std::string, std::string>> rows{
+      {"-v 10.0.0.1 -d 192.0.2.1", "0" + mainKept},
+      {"-v 10.0.0.1 -v 10.0.0.2 -d 192.0.2.1 -v 10.0.0.3", "00" + mainKept},
+      {"-v 10.0.0.1 -a nosuch0 10.0.0.1 255.255.255.0", "0nosuch0: no such network interface.\n"},
+      {"-l -d 192.0.2.1", freshListing + mainKept},
+      {"-d 192.0.2.1 -v 10.0.0.1 -l", freshListing + mainKept},
+      {"-v 10.0.0.1 -l -d 192.0.2.1", freshListing + "0" + mainKept},
+      {"-l -h", freshListing + usageText},
+      {"-v 10.0.0.1 -h", usageText},
+      {"-l -x", complaint + freshListing},
+      {"-v 10.0.0.1 -x -d 192.0.2.1", complaint + "0" + mainKept},
+      {"-x", complaint + usageText},
+  };
+  for (const auto& [arguments, output] : rows) EXPECT_EQ(outputOf(arguments), output) << arguments;
+  EXPECT_TRUE(outputOf("-l -x extra").starts_with(complaint + leftover));
+  expectTwice(leftover, outputOf("-l extra"));
+}
+
+TEST(StreamsInOrder, TheOutputOfACommandComesAfterTheAnswersAndBeforeTheFailure) {
+  recordIfconfig("echo complaint >&2; echo remark; [ \"$2\" != add ] || exit 7");
+  const std::string output = "complaint\nremark\n";
+  EXPECT_EQ(outputOf("-v 10.0.0.1 -a eth0 192.0.2.2 255.255.255.0"), "0" + output);
+  EXPECT_EQ(outputOf("-l -a eth0 192.0.2.3 255.255.255.0"), freshListing + output);
+  EXPECT_EQ(
+      outputOf("-v 10.0.0.1 -a eth0 2001:db8::2 64"),
+      "0" + output + "/sbin/ifconfig eth0 add 2001:db8::2/64 exited with non-zero status 7\n");
+  fs::remove_all(networkScripts);
+  EXPECT_EQ(
+      outputOf("-l -a eth0 192.0.2.2 255.255.255.0"),
+      freshListing + output + interfaceFile("eth0:1").string() + ": No such file or directory\n");
+}
+
+TEST(StreamsInOrder, AReportOnAnInterfaceFileComesAfterEverythingBefore) {
+  writeFile(interfaceFile("eth0"), "IPV6ADDR_SECONDARIES=2001:db8::9\n");
+  recordIfconfig("echo complaint >&2; echo remark");
+  const std::string before = freshListing + "0complaint\nremark\n";
+  const std::string output = outputOf("-v 10.0.0.1 -l -a eth0 2001:db8::2 64");
+  ASSERT_TRUE(output.starts_with(before)) << output;
+  expectTwice("2001:db8::9: cannot parse IPv6 address\n", output.substr(before.size()));
+}
+
+TEST(StreamsInOrder, AReportOnAnInterfaceFileComesBeforeTheMessageOfALaterFailure) {
+  addAddresses({"eth0 2001:db8::5/64 nodad"});
+  const std::string output = outputOf("-v 10.0.0.1 -d 2001:db8::1 -d 192.0.2.1");
+  ASSERT_TRUE(output.starts_with('0')) << output;
+  ASSERT_TRUE(output.ends_with(mainKept)) << output;
+  expectTwice("Cannot remove last IPv6 address 2001:db8::1\n",
+              output.substr(1, output.size() - 1 - mainKept.size()));
 }
 
 }  // namespace
