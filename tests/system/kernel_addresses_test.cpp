@@ -138,7 +138,7 @@ TEST(KernelAddresses, AFailingCloseDoesNotChangeTheMessage) {
 
 TEST(KernelAddresses, AMalformedReplyIsReportedAndTheSocketClosed) {
   const std::string address = datagramOf({{.attributes = {addressAttribute("192.0.2.9")}}});
-  const Lines replies{
+  const Lines malformed{
       "",
       headerOnly(16, NLMSG_DONE).substr(0, 8),
       headerOnly(16, NLMSG_DONE).substr(0, 15),
@@ -149,7 +149,7 @@ TEST(KernelAddresses, AMalformedReplyIsReportedAndTheSocketClosed) {
       headerOnly(0xFFFFFFFF, NLMSG_DONE),
       headerOnly(20, NLMSG_ERROR) + std::string(4, '\xff'),  // -1; the code is not reported
   };
-  for (const std::string& reply : replies) {
+  for (const std::string& reply : malformed) {
     for (const int n : {1, 2}) {
       const Trace trace = traceListing({answer("recvfrom", n, reply)});
       SCOPED_TRACE(std::to_string(reply.size()) + " bytes, datagram " + std::to_string(n));

@@ -14,21 +14,16 @@
 namespace addrtool::testing {
 namespace {
 
-// Receives messages as a syslog daemon does.
+// Receives messages as a syslog daemon does. The socket lives as long as the process.
 class LogSocket {
  public:
-  LogSocket() : fd_(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+  LogSocket() {
     const sockaddr_un address{AF_UNIX, "/dev/log"};
     unlink(&address.sun_path[0]);
     if (bind(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
       throw std::runtime_error("cannot bind /dev/log");
     }
   }
-  ~LogSocket() { close(fd_); }
-  LogSocket(const LogSocket&) = delete;
-  LogSocket& operator=(const LogSocket&) = delete;
-  LogSocket(LogSocket&&) = delete;
-  LogSocket& operator=(LogSocket&&) = delete;
 
   // The messages received so far, without time stamps.
   Lines take() const {
@@ -44,7 +39,7 @@ class LogSocket {
   }
 
  private:
-  int fd_;
+  int fd_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
 };
 
 __attribute__((format(printf, 2, 3))) void logThroughList(int priority, const char* format, ...) {
