@@ -1,21 +1,16 @@
 // Fuzzes both edits of the IPv6 addresses in an interface file. The first line of the input is the
 // address to add and remove ("2001:db8::5/64"). The rest is the file.
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "fuzzing.h"
 #include "inventory/address_record.h"
 #include "persist/alias_file.h"
 #include "persist/ipv6_list.h"
-#include "require.h"
-#include "text_models.h"
 
 namespace addrtool::fuzz {
 namespace {
@@ -27,32 +22,18 @@ const std::string primaryKey = "IPV6ADDR=";
 const std::string listStem = "IPV6ADDR_SECONDARIES";
 const std::string listKey = "IPV6ADDR_SECONDARIES=";
 
-// Splits the file as the program does: a long line is read in pieces.
-Lines piecesOf(const std::string& content) {
-  Lines lines;
-  for (std::size_t at = 0; at < content.size(); at += lines.back().size()) {
-    const std::size_t end = std::min(content.find('\n', at), content.size() - 1);
-    lines.push_back(content.substr(at, std::min<std::size_t>(end - at + 1, 8095)));
-  }
-  return lines;
-}
-
 // Adds the entries of the line, if it starts with the key. Returns whether it could be parsed.
 bool parse(const std::string& line, const std::string& key, Entries& entries) {
   if (!line.starts_with(key)) return true;
-  try {
-    parseIPv6List(line, entries);
-    return true;
-  } catch (const std::runtime_error& failure) {
-    // The message ends at a zero byte of the token.
-    const std::string message = failure.what();
-    const std::size_t end = message.find(": cannot parse IPv6 address");
-    require(end != std::string::npos || line.find('\0') != std::string::npos,
-            "the message says what failed");
-    require(line.find(message.substr(0, end)) != std::string::npos,
-            "the message names a token of the line");
-    return false;
-  }
+  const auto message = failureOf([&] { parseIPv6List(line, entries); });
+  if (!message) return true;
+  // The message ends at a zero byte of the token.
+  const std::size_t end = message->find(": cannot parse IPv6 address");
+  require(end != std::string::npos || line.find('\0') != std::string::npos,
+          "the message says what failed");
+  require(line.find(message->substr(0, end)) != std::string::npos,
+          "the message names a token of the line");
+  return false;
 }
 
 // The entries of all lists, or nothing if a list is malformed.
@@ -137,10 +118,7 @@ void checkRemoval(const std::string& content, const Lines& lines, const AddressR
 // An unquoted list survives formatting and parsing. A quote before the first entry would count as a
 // quote around the list.
 void checkRoundTrip(const Entries& entries) {
-  if (entries.empty() || entries.front().address.starts_with('"') ||
-      entries.front().address.starts_with('\'')) {
-    return;
-  }
+  if (entries.empty() || entries.front().address.find_first_of("\"'") == 0) return;
   std::string line = listKey;
   for (const AddressRecord& entry : entries) line += formatIPv6Entry(entry) + ' ';
   Entries readBack;
@@ -149,25 +127,24 @@ void checkRoundTrip(const Entries& entries) {
 }
 
 }  // namespace
-}  // namespace addrtool::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace addrtool;
-  using namespace addrtool::fuzz;
-  const std::string input(reinterpret_cast<const char*>(data), size);
-  const std::size_t lineEnd = input.find('\n');
+int checkInput(Octets input) {
+  const std::string text(input.begin(), input.end());
+  const std::size_t lineEnd = text.find('\n');
   if (lineEnd == std::string::npos) return -1;
 
-  const auto operand = splitAt(upToNul(input.substr(0, lineEnd)), '/');
-  const std::string content = input.substr(lineEnd + 1);
-  const Lines lines = piecesOf(content);
+  const auto operand = splitAt(upToNul(text.substr(0, lineEnd)), '/');
+  const AddressRecord address{operand.front(), modelUnsigned16(operand.back()).value.value_or(64)};
+  const std::string content = text.substr(lineEnd + 1);
+  const Lines lines = linesOf(content, 8095);  // the program reads a longer line in pieces
   for (const std::string& line : lines) {
     Entries entries;
     parse(line, "", entries);
     checkRoundTrip(entries);
   }
-  const AddressRecord address{operand.front(), modelUnsigned16(operand.back()).value.value_or(64)};
   checkAdd(content, lines, address);
   checkRemoval(content, lines, address);
   return 0;
 }
+
+}  // namespace addrtool::fuzz

@@ -1,16 +1,13 @@
-// Fuzzes the parsers of numbers, netmasks and addresses. The input is the text. The part after a
-// line break is a second address.
+// Fuzzes the parsers of numbers, netmasks and addresses. The input is the text. Its
+// first and last line are two addresses.
 #include <cerrno>
-#include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
+#include "fuzzing.h"
 #include "inventory/address_record.h"
-#include "require.h"
 #include "runtime/parse_unsigned16.h"
-#include "text_models.h"
 
 namespace addrtool::fuzz {
 namespace {
@@ -37,35 +34,32 @@ void checkNetmaskOf(std::uint16_t prefixLength) {
 
 void checkNetmask(const std::string& text) {
   const std::optional<std::uint32_t> bits = modelDottedQuad(text);
-  try {
-    const std::uint16_t prefixLength = netmaskToPrefix(text);
-    require(bits.has_value(), "a netmask is a dotted quad");
-    require(prefixLength == modelPrefixLength(*bits), "the lowest set bit gives the length");
-    checkNetmaskOf(prefixLength);
-  } catch (const std::runtime_error& failure) {
-    require(!bits, "a dotted quad is a netmask");
-    require(failure.what() == text + ": cannot convert to netmask", "the message names the text");
-  }
+  std::uint16_t prefixLength = 0;
+  const auto failure = failureOf([&] { prefixLength = netmaskToPrefix(text); });
+  require(failure.has_value() != bits.has_value(), "a netmask is a dotted quad");
+  require(!failure || *failure == text + ": cannot convert to netmask",
+          "the message names the text");
+  if (!bits) return;
+  require(prefixLength == modelPrefixLength(*bits), "the lowest set bit gives the length");
+  checkNetmaskOf(prefixLength);
 }
 
-void checkAddresses(const std::string& one, const std::string& other) {
+}  // namespace
+
+int checkInput(Octets input) {
+  const std::string text = upToNul({input.begin(), input.end()});
+  checkNumber(text);
+  checkNetmask(text);
+  if (const auto length = modelUnsigned16(text).value) checkNetmaskOf(*length);
+
+  const auto lines = splitAt(text, '\n');
+  const std::string& one = lines.front();
+  const std::string& other = lines.back();
   require(isSameIPv6Address(one, other) == modelSameIPv6(one, other),
           "two texts that print alike are one address");
   require(isSameIPv6Address(one, one) == modelSameIPv6(one, one),
           "only an address is the same as itself");
-}
-
-}  // namespace
-}  // namespace addrtool::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace addrtool::fuzz;
-  const std::string text = upToNul({reinterpret_cast<const char*>(data), size});
-  const std::size_t lineEnd = text.find('\n');
-  checkNumber(text);
-  checkNetmask(text);
-  checkAddresses(text.substr(0, lineEnd),
-                 lineEnd == std::string::npos ? text : text.substr(lineEnd + 1));
-  if (const auto length = modelUnsigned16(text).value) checkNetmaskOf(*length);
   return 0;
 }
+
+}  // namespace addrtool::fuzz

@@ -1,19 +1,35 @@
-// Second implementations of the small parsers, written differently. The fuzzers compare the program
-// with them.
+// What the fuzzers share: how they fail, and second implementations of the small parsers, written
+// differently, to compare the program with.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace addrtool::fuzz {
+
+using Octets = std::span<const std::uint8_t>;
+
+/// Each fuzzer defines this. Checks one input. Returns 0, or -1 to keep it out of the corpus.
+int checkInput(Octets input);
+
+/// Prints the rule and aborts if it does not hold. libFuzzer reports that as a crash.
+void require(bool holds, const char* rule);
+
+/// Runs the action. Returns the message of the std::runtime_error that it throws, if any.
+std::optional<std::string> failureOf(const std::function<void()>& action);
 
 /// The text of the bytes up to the first zero byte, as an operand or a C function sees them.
 std::string upToNul(const std::string& bytes);
 
 /// The parts between the separators, at least one.
 std::vector<std::string> splitAt(const std::string& text, char separator);
+
+/// The lines with their line feeds, in pieces of at most the given size.
+std::vector<std::string> linesOf(const std::string& text, std::size_t longest = std::string::npos);
 
 /// An unsigned 16-bit number, or whether the text is one that is too large.
 struct ModelNumber {

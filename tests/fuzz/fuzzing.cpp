@@ -1,23 +1,30 @@
-#include "text_models.h"
+#include "fuzzing.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return addrtool::fuzz::checkInput({data, size});
+}
 
 namespace addrtool::fuzz {
 namespace {
 
+// A copy from the start, because libFuzzer discards what the program prints.
+const int reportFd = dup(STDERR_FILENO);
+
 constexpr const char* numberBlanks = " \t\n\r";
-constexpr const char* digits = "0123456789";
 
 std::string withoutLeading(const std::string& text, const char* characters) {
   return text.substr(std::min(text.find_first_not_of(characters), text.size()));
-}
-
-std::string withoutTrailing(const std::string& text, const char* characters) {
-  return text.substr(0, text.find_last_not_of(characters) + 1);
 }
 
 std::optional<std::string> canonicalIPv6(const std::string& text) {
@@ -29,6 +36,21 @@ std::optional<std::string> canonicalIPv6(const std::string& text) {
 }
 
 }  // namespace
+
+void require(bool holds, const char* rule) {
+  if (holds) return;
+  dprintf(reportFd, "\nrule broken: %s\n", rule);
+  std::abort();
+}
+
+std::optional<std::string> failureOf(const std::function<void()>& action) {
+  try {
+    action();
+    return std::nullopt;
+  } catch (const std::runtime_error& failure) {
+    return failure.what();
+  }
+}
 
 std::string upToNul(const std::string& bytes) {
   return bytes.substr(0, bytes.find('\0'));
@@ -46,17 +68,26 @@ std::vector<std::string> splitAt(const std::string& text, char separator) {
   return parts;
 }
 
+std::vector<std::string> linesOf(const std::string& text, std::size_t longest) {
+  std::vector<std::string> lines;
+  for (std::size_t at = 0; at < text.size(); at += lines.back().size()) {
+    const std::size_t end = std::min(text.find('\n', at), text.size() - 1);
+    lines.push_back(text.substr(at, std::min(end - at + 1, longest)));
+  }
+  return lines;
+}
+
 ModelNumber modelUnsigned16(const std::string& text) {
   std::string rest = withoutLeading(text, numberBlanks);
   if (rest.empty() || rest == "+") return {};
   if (rest.front() == '+') rest = withoutLeading(rest.substr(1), numberBlanks);
 
-  const std::string number = rest.substr(0, rest.find_first_not_of(digits));
+  const std::string number = rest.substr(0, rest.find_first_not_of("0123456789"));
   const std::string significant = withoutLeading(number, "0");
   if (significant.size() > 5 || (significant.size() == 5 && significant > "65535")) {
     return {std::nullopt, true};
   }
-  if (withoutTrailing(rest, numberBlanks) != number) return {};
+  if (!withoutLeading(rest.substr(number.size()), numberBlanks).empty()) return {};
   return {static_cast<std::uint16_t>(significant.empty() ? 0 : std::stoul(significant)), false};
 }
 
@@ -67,10 +98,8 @@ std::optional<std::uint32_t> modelDottedQuad(const std::string& text) {
 }
 
 std::uint16_t modelPrefixLength(std::uint32_t mask) {
-  std::uint16_t length = 0;
-  for (std::uint16_t position = 1; position <= 32; ++position) {
-    if ((mask & (std::uint32_t{1} << (32U - position))) != 0) length = position;
-  }
+  std::uint16_t length = 32;
+  for (; length > 0 && mask % 2 == 0; mask /= 2) --length;
   return length;
 }
 
