@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <span>
+#include <string_view>
 
 #include "runtime/logging.h"
 
@@ -34,10 +34,10 @@ int allocateFirstSlots(RuntimeConfiguration* table) {
   return 0;
 }
 
-// Doubles; if that overflows, count + 20; 0 if that is too large as well.
+// Doubles; if that overflows, count + 20; 0 if that is too large as well. The table is full, so a
+// sum or product that overflowed is less than its count.
 std::uint32_t nextCapacity(const RuntimeConfiguration& table) {
-  constexpr std::uint32_t doublingLimit = std::numeric_limits<std::int32_t>::max();
-  const std::uint32_t doubled = table.capacity >= doublingLimit ? 0 : table.capacity * 2;
+  const std::uint32_t doubled = table.capacity * 2;
   const std::uint32_t wanted = doubled < table.count ? table.count + initialCapacity : doubled;
   return wanted < table.count || wanted > largestCapacity ? 0 : wanted;
 }
@@ -46,20 +46,21 @@ std::span<ConfigEntry> entriesOf(const RuntimeConfiguration& table) {
   return {table.entries, table.count};
 }
 
+std::string_view nameOf(const ConfigEntry& entry) {
+  return entry.name;
+}
+
 ConfigEntry* findLinearly(const RuntimeConfiguration& table, const char* name) {
   for (ConfigEntry& entry : entriesOf(table)) {
-    if (std::strcmp(entry.name, name) == 0) return &entry;
+    if (nameOf(entry) == name) return &entry;
   }
   return nullptr;
 }
 
 ConfigEntry* findSorted(const RuntimeConfiguration& table, const char* name) {
   const auto entries = entriesOf(table);
-  const auto found = std::lower_bound(entries.begin(), entries.end(), name,
-                                      [](const ConfigEntry& entry, const char* wanted) {
-                                        return std::strcmp(entry.name, wanted) < 0;
-                                      });
-  return found != entries.end() && std::strcmp(found->name, name) == 0 ? &*found : nullptr;
+  const auto found = std::ranges::lower_bound(entries, std::string_view(name), {}, nameOf);
+  return found != entries.end() && nameOf(*found) == name ? &*found : nullptr;
 }
 
 }  // namespace
@@ -100,10 +101,7 @@ int setConfigEntry(RuntimeConfiguration* table, const char* name, const char* va
 
 void sortConfig(RuntimeConfiguration* table) {
   if (table->sorted != 0) return;
-  const auto entries = entriesOf(*table);
-  std::sort(entries.begin(), entries.end(), [](const ConfigEntry& left, const ConfigEntry& right) {
-    return std::strcmp(left.name, right.name) < 0;
-  });
+  std::ranges::sort(entriesOf(*table), {}, nameOf);
   table->sorted = 1;
 }
 
