@@ -71,8 +71,9 @@ TEST(GrowConfig, FirstUseAllocatesTwentySlots) {
 
 TEST(GrowConfig, OutOfMemoryFailsSilentlyAtFirstUseAndIsLoggedLater) {
   const LogRecorder recorder;
-  using Log = std::vector<LoggedMessage>;
-  for (const auto& [count, log] : {std::pair(0U, Log{}), std::pair(20U, Log{{12, noMemory}})}) {
+  using Messages = std::vector<LoggedMessage>;
+  for (const auto& [count, log] :
+       {std::pair(0U, Messages{}), std::pair(20U, Messages{{12, noMemory}})}) {
     const Table table = makeTable();
     table->capacity = 7;
     fill(table, count);
