@@ -5,12 +5,6 @@
 namespace addrtool::testing {
 namespace {
 
-const std::string plainText = aliasText("eth0:1", "10.0.0.5", "255.255.255.0");
-
-void writeAlias() {
-  writeAliasFile({"eth0:1", {"10.0.0.5", 24}});
-}
-
 // Only existence matters, and it is checked for each file.
 TEST(AliasFiles, HaveAFourthLineIfTheSuseMarkerExists) {
   const std::vector<std::pair<std::string, bool>> rows{{"true", false},
@@ -23,8 +17,9 @@ TEST(AliasFiles, HaveAFourthLineIfTheSuseMarkerExists) {
                                                        {"echo S >$MARKER", true}};
   for (const auto& [command, isSuse] : rows) {
     prepare("MARKER=/etc/SuSE-release; rm -rf $MARKER; " + command);
-    writeAlias();
-    EXPECT_EQ(readFile(interfaceFile("eth0:1")), plainText + (isSuse ? "STARTMODE='onboot'\n" : ""))
+    writeAliasFile({"eth0:1", {"10.0.0.5", 24}});
+    EXPECT_EQ(readFile(interfaceFile("eth0:1")), aliasText("eth0:1", "10.0.0.5", "255.255.255.0") +
+                                                     (isSuse ? "STARTMODE='onboot'\n" : ""))
         << command;
     EXPECT_EQ(valuesInShell("eth0:1", {"IPADDR", "STARTMODE"}),
               (Lines{"10.0.0.5", isSuse ? "onboot" : ""}));
@@ -41,21 +36,6 @@ TEST(AliasFiles, ASlashInTheLabelIsADirectory) {
   EXPECT_EQ(listDirectory(networkScripts / "ifcfg-a"), Lines{"b"});
   removeAliasFile("a/b");
   EXPECT_EQ(listDirectory(networkScripts / "ifcfg-a"), Lines{});
-}
-
-TEST(AliasFiles, ADirectoryInTheirPlaceIsNotRemovedEvenIfItIsEmpty) {
-  fs::create_directory(interfaceFile("eth0:1"));
-  removeAliasFile("eth0:1");
-  EXPECT_TRUE(fs::is_directory(interfaceFile("eth0:1")));
-}
-
-TEST(AliasFiles, APathThatIsTooLongIsRefused) {
-  const std::string label(4088 - interfaceConfigPath("").size() + 1, 'x');
-  EXPECT_EQ(failureOf([&label] {
-              writeAliasFile({label, {"10.0.0.5", 24}});
-            }),
-            interfaceConfigPath(label) + ": File name too long");
-  EXPECT_EQ(listDirectory(networkScripts), Lines{"ifcfg-eth0"});
 }
 
 }  // namespace
