@@ -11,6 +11,8 @@
 #include <ostream>
 #include <stdexcept>
 
+#include "support/files.h"
+
 namespace addrtool::testing {
 namespace {
 
@@ -22,12 +24,7 @@ int makeMemoryFile(const char* name) {
 }
 
 std::string takeContents(int fd) {
-  std::string contents;
-  std::array<char, 65536> buffer{};
-  lseek(fd, 0, SEEK_SET);
-  for (ssize_t n = 0; (n = read(fd, buffer.data(), buffer.size())) > 0;) {
-    contents.append(buffer.data(), static_cast<std::size_t>(n));
-  }
+  std::string contents = readFile("/proc/self/fd/" + std::to_string(fd));
   close(fd);
   return contents;
 }

@@ -11,27 +11,14 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "support/patterns.h"
+
 namespace addrtool::testing {
 namespace {
 
 // These files are in the /etc of the sandbox and vanish with it.
 constexpr const char* recorder = "/etc/recording-ifconfig";
 constexpr const char* recording = "/etc/recorded-commands";
-
-// Parses a line of `ip -o address`: 3: eth0    inet 192.0.2.10/24 ... scope global eth0:1\    ...
-// An IPv4 address has a label, the last word before the backslash.
-std::string labelAndAddress(const std::string& line) {
-  std::istringstream words(line.substr(0, line.find('\\')));
-  std::string number;
-  std::string label;
-  std::string family;
-  std::string address;
-  words >> number >> label >> family >> address;
-  if (family == "inet") {
-    for (std::string word; words >> word;) label = word;
-  }
-  return label + ' ' + address;
-}
 
 Lines addrtoolCommand(const Lines& arguments) {
   Lines command{"addrtool"};
@@ -141,10 +128,16 @@ void add(const std::string& address, const std::string& netmaskOrPrefix) {
   expectSilentSuccess({"-a", "eth0", address, netmaskOrPrefix});
 }
 
+// A line of IPv4 ends in the label and a backslash: 3: eth0    inet 192.0.2.10/24 ... eth0:1\ ...
 Lines kernelAddresses() {
-  std::istringstream output(runCommand({"ip", "-o", "address", "show", "scope", "global"}).out);
+  const std::string output = runCommand({"ip", "-o", "address", "show", "scope", "global"}).out;
   Lines addresses;
-  for (std::string line; std::getline(output, line);) addresses.push_back(labelAndAddress(line));
+  for (const auto& match : findAll(output, R"(inet ([^ ]+) [^\\]* ([^ \\]+)\\)")) {
+    addresses.push_back(match[2] + ' ' + match[1]);
+  }
+  for (const auto& match : findAll(output, "([^ ]+) +inet6 ([^ ]+)")) {
+    addresses.push_back(match[1] + ' ' + match[2]);
+  }
   std::ranges::sort(addresses);
   return addresses;
 }
@@ -178,9 +171,8 @@ void PrintTo(const MachineState& state, std::ostream* stream) {
 Lines valuesInShell(const std::string& label, const Lines& variables) {
   std::string script = ". '" + interfaceFile(label).string() + "'\n";
   for (const std::string& variable : variables) script += "printf '%s\\n' \"$" + variable + "\"\n";
-  std::istringstream output(runShell(script).out);
   Lines values;
-  for (std::string line; std::getline(output, line);) values.push_back(line);
+  for (const auto& line : findAll(runShell(script).out, "([^\n]*)\n")) values.push_back(line[1]);
   return values;
 }
 
@@ -214,15 +206,14 @@ void expectRefused(const Lines& arguments, const std::string& message,
 }
 
 void expectCommandLines(const Lines& arguments, const Lines& commandLines, const Outcome& outcome) {
-  static const std::string start = R"(execve("/bin/sh", ["sh", "-c", ")";
   const Trace trace =
       traceCommand({"-f", "-s", "4096", "-e", "trace=execve"}, addrtoolCommand(arguments));
   Lines traced;
   for (const std::string& call : trace.calls) {
-    const std::size_t at = call.find(start);
-    if (at == std::string::npos) continue;
-    const std::string rest = call.substr(at + start.size());
-    traced.push_back(rest.substr(0, rest.find("\"], 0x")));
+    for (const auto& match :
+         findAll(call, R"re(execve\("/bin/sh", \["sh", "-c", "(.*)"\], 0x)re")) {
+      traced.push_back(match[1]);
+    }
   }
   EXPECT_EQ(trace.outcome, outcome);
   EXPECT_EQ(traced, commandLines);

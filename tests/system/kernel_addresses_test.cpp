@@ -24,18 +24,15 @@ Trace traceListing(const Lines& injections = {}) {
 
 // The descriptor of the socket: the result of the first call.
 std::string socketNumber(const Lines& calls) {
-  const std::size_t blank = calls.at(0).rfind(' ');
-  return calls.at(0).substr(blank + 1);
+  return calls.at(0).substr(calls.at(0).rfind(' ') + 1);
 }
 
 // Whether the socket was closed before anything was written.
 bool isSocketClosed(const Trace& trace) {
   const Lines calls = callsFrom(openSocket, trace);
-  const std::string close = "close(" + socketNumber(calls) + ")";
-  const auto isClose = [&close](const std::string& call) { return call.starts_with(close); };
-  const auto isWrite = [](const std::string& call) { return call.starts_with("write("); };
-  const auto closed = std::find_if(calls.begin(), calls.end(), isClose);
-  return closed < std::find_if(calls.begin(), calls.end(), isWrite);
+  const auto write = std::ranges::find_if(
+      calls, [](const std::string& call) { return call.starts_with("write("); });
+  return !callsStarting("close(" + socketNumber(calls) + ")", {calls.begin(), write}).empty();
 }
 
 TEST(KernelAddresses, TheSocketIsOpenedUsedAndClosed) {
@@ -61,9 +58,8 @@ TEST(KernelAddresses, TheRequestIs24BytesWithTheProcessId) {
   const Trace trace =
       traceCommand({"-f", "-e", "trace=sendto", "-e", "write=all"}, {"addrtool", "--list"});
   // strace puts the process id before the call, and the bytes behind it.
-  const auto call = std::find_if(
-      trace.calls.begin(), trace.calls.end(),
-      [](const std::string& line) { return line.find(" sendto(") != std::string::npos; });
+  const auto call = std::ranges::find_if(
+      trace.calls, [](const std::string& line) { return line.find(" sendto(") != line.npos; });
   ASSERT_TRUE(trace.calls.end() - call > 2);
   const auto pid = static_cast<unsigned>(std::stoul(*call));
   std::array<char, 200> dump{};
