@@ -21,59 +21,54 @@ const std::string leftover =
     "Some parameters in command string are left unprocessed. Check parameters please.\n";
 const std::string mainKept = "192.0.2.1: cannot delete main IP on interface\n";
 
+// Runs the program with arguments as one types them.
+Outcome runTyped(const std::string& arguments) {
+  return runShell("addrtool " + arguments);
+}
+
 // Expects that the program prints this and then its usage text, and changes nothing.
-void expectUsage(const std::vector<Lines>& commandLines, const std::string& out = "",
+void expectUsage(const Lines& commandLines, const std::string& out = "",
                  const std::string& complaint = "") {
   const MachineState before;
-  for (const Lines& arguments : commandLines) {
-    EXPECT_EQ(runAddrtool(arguments), (Outcome{2, 0, out, complaint + usageText}))
-        << ::testing::PrintToString(arguments);
+  for (const std::string& arguments : commandLines) {
+    EXPECT_EQ(runTyped(arguments), (Outcome{2, 0, out, complaint + usageText})) << arguments;
   }
   EXPECT_EQ(MachineState(), before);
 }
 
 TEST(CommandLine, NoActionPrintsTheUsageText) {
-  expectUsage({{},
-               {"--main"},
-               {"--main", "--main"},
-               {"operand"},
-               {"--main", "operand"},
-               {"--"},
-               {"-a", ""},
-               {"--add="}});
+  expectUsage(
+      {"", "--main", "--main --main", "operand", "--main operand", "--", "-a ''", "--add="});
 }
 
 TEST(CommandLine, HelpPrintsTheUsageTextAndEnds) {
-  expectUsage({{"-h"}, {"--help"}, {"-h", "-l"}, {"-d", "192.0.2.1", "-h"}});
-  expectUsage({{"-l", "-h"}, {"-l", "--help"}, {"-l", "-h", "-l", "-h"}}, freshListing);
+  expectUsage({"-h", "--help", "-h -l", "-d 192.0.2.1 -h"});
+  expectUsage({"-l -h", "-l --help", "-l -h -l -h"}, freshListing);
 }
 
 TEST(CommandLine, AnAddWithoutExactlyTwoOperandsPrintsTheUsageText) {
   add("192.0.2.10");
-  expectUsage({{"-a", "eth0"},
-               {"-a", "eth0", "192.0.2.5"},
-               {"192.0.2.5", "-a", "eth0"},
-               {"-a", "eth0", "192.0.2.5", "255.255.255.0", "more"},
-               {"more", "--add", "eth0", "192.0.2.5", "-l", "255.255.255.0"},
-               {"-l", "-a", "eth0", "192.0.2.5"},
-               {"-d", "192.0.2.10", "-l", "-a", "eth0", "192.0.2.5"},
-               {"-d", "192.0.2.10", "-l", "-a", "eth0", "192.0.2.5", "255.255.255.0", "more"}});
+  expectUsage({"-a eth0", "-a eth0 192.0.2.5", "192.0.2.5 -a eth0",
+               "-a eth0 192.0.2.5 255.255.255.0 more", "more --add eth0 192.0.2.5 -l 255.255.255.0",
+               "-l -a eth0 192.0.2.5", "-d 192.0.2.10 -l -a eth0 192.0.2.5",
+               "-d 192.0.2.10 -l -a eth0 192.0.2.5 255.255.255.0 more"});
 }
 
 TEST(CommandLine, BadOptionsAloneAreReportedBeforeTheUsageText) {
-  const std::vector<std::pair<Lines, std::string>> table{
-      {{"-x"}, "invalid option -- 'x'"},
-      {{"-m"}, "invalid option -- 'm'"},  // --main has no short form
-      {{"-x", "-y"}, "invalid option -- 'x'\naddrtool: invalid option -- 'y'"},
-      {{"--wrong"}, "unrecognized option '--wrong'"},
-      {{"--list=now"}, "option '--list' doesn't allow an argument"},
-      {{"-d"}, "option requires an argument -- 'd'"},
-      {{"-v"}, "option requires an argument -- 'v'"},
-      {{"-a"}, "option requires an argument -- 'a'"},
-      {{"--del"}, "option '--del' requires an argument"},
-      {{"--qv-assigned-ip"}, "option '--qv-assigned-ip' requires an argument"},
-      {{"--main", "--add"}, "option '--add' requires an argument"}};
-  for (const auto& [arguments, complaint] : table) {
+  const std::vector<std::pair<std::string, std::string>> rows{
+      {"-x", "invalid option -- 'x'"},
+      {"-m", "invalid option -- 'm'"},  // --main has no short form
+      {"-x -y", "invalid option -- 'x'\naddrtool: invalid option -- 'y'"},
+      {"--wrong", "unrecognized option '--wrong'"},
+      {"--list=now", "option '--list' doesn't allow an argument"},
+      {"-d", "option requires an argument -- 'd'"},
+      {"-v", "option requires an argument -- 'v'"},
+      {"-a", "option requires an argument -- 'a'"},
+      {"--del", "option '--del' requires an argument"},
+      {"--qv-assigned-ip", "option '--qv-assigned-ip' requires an argument"},
+      {"--main --add", "option '--add' requires an argument"},
+  };
+  for (const auto& [arguments, complaint] : rows) {
     expectUsage({arguments}, "", "addrtool: " + complaint + '\n');
   }
 }
@@ -86,37 +81,25 @@ TEST(CommandLine, ErrorsStartWithArgv0) {
 }
 
 TEST(CommandLine, ABadOptionStopsNoAction) {
-  EXPECT_EQ(runAddrtool({"-x", "-l"}),
-            (Outcome{0, 0, freshListing, "addrtool: invalid option -- 'x'\n"}));
-  EXPECT_EQ(runAddrtool({"-l", "-d"}),
+  EXPECT_EQ(runTyped("-x -l"), (Outcome{0, 0, freshListing, "addrtool: invalid option -- 'x'\n"}));
+  EXPECT_EQ(runTyped("-l -d"),
             (Outcome{0, 0, freshListing, "addrtool: option requires an argument -- 'd'\n"}));
 }
 
 TEST(CommandLine, EachListOptionListsOnce) {
-  for (const Lines& arguments : std::vector<Lines>{{"-l"},
-                                                   {"--list"},
-                                                   {"--li"},
-                                                   {"--main", "-l"},
-                                                   {"-l", "--main"},
-                                                   {"-l", "-a", ""},
-                                                   {"-a", "eth0", "-l", "-a", ""}}) {
-    EXPECT_EQ(runAddrtool(arguments), success(freshListing)) << arguments.back();
+  for (const char* arguments :
+       {"-l", "--list", "--li", "--main -l", "-l --main", "-l -a ''", "-a eth0 -l -a ''"}) {
+    EXPECT_EQ(runTyped(arguments), success(freshListing)) << arguments;
   }
-  EXPECT_EQ(runAddrtool({"-l", "-l"}), success(freshListing + freshListing));
-  EXPECT_EQ(runAddrtool({"-lll"}), success(freshListing + freshListing + freshListing));
+  EXPECT_EQ(runTyped("-l -l"), success(freshListing + freshListing));
+  EXPECT_EQ(runTyped("-lll"), success(freshListing + freshListing + freshListing));
 }
 
 // The message ends in a system error if the start of the program left one in errno.
 TEST(CommandLine, LeftoverOperandsEndTheProgramBeforeAnyAction) {
-  for (const Lines& arguments : std::vector<Lines>{{"-l", "extra"},
-                                                   {"extra", "-l"},
-                                                   {"-l", "--", "-l"},
-                                                   {"-v", "10.0.0.1", "extra", "more"},
-                                                   {"-h", "extra"},
-                                                   {"--help", "extra"},
-                                                   {"-d", "192.0.2.1", "extra"},
-                                                   {"-l", ""}}) {
-    const Outcome outcome = runAddrtool(arguments);
+  for (const char* arguments : {"-l extra", "extra -l", "-l -- -l", "-v 10.0.0.1 extra more",
+                                "-h extra", "--help extra", "-d 192.0.2.1 extra", "-l ''"}) {
+    const Outcome outcome = runTyped(arguments);
     const std::string& text = outcome.err;
     EXPECT_EQ(outcome.exitStatus, 1) << text;
     EXPECT_EQ(outcome.out, text);
@@ -130,7 +113,7 @@ TEST(CommandLine, LeftoverOperandsEndTheProgramBeforeAnyAction) {
 
 // The failed write of the complaint about -x sets errno.
 TEST(CommandLine, LeftoverOperandsAreReportedWithTheErrorInErrno) {
-  EXPECT_EQ(runShell("addrtool -x -l extra 2>/dev/full"),
+  EXPECT_EQ(runTyped("-x -l extra 2>/dev/full"),
             (Outcome{1, 0, leftover + "System error 28: No space left on device\n", ""}));
 }
 
@@ -148,7 +131,7 @@ TEST(CommandLine, PosixlyCorrectEndsTheOptionsAtTheFirstOperand) {
 TEST(Actions, RunInOrderUntilOneFails) {
   struct Row {
     std::string rule;
-    Lines arguments;
+    std::string arguments;
     Outcome outcome;
     Lines aliases;  // at the end; the first two exist at the start
   };
@@ -159,30 +142,26 @@ TEST(Actions, RunInOrderUntilOneFails) {
       "192.0.2.11 255.255.255.0 eth0 0\n2001:db8::1 64 eth0 0\n"
       "198.51.100.1 255.255.255.0 eth1 1\n");
   const std::vector<Row> rows{
-      {"list before delete", {"-d", "192.0.2.10", "-l"}, listed, {two}},
+      {"list before delete", "-d 192.0.2.10 -l", listed, {two}},
       {"list before add",
-       {"192.0.2.12", "-a", "eth0", "255.255.255.0", "-l"},
+       "192.0.2.12 -a eth0 255.255.255.0 -l",
        listed,
        {one, two, "eth0:3 192.0.2.12"}},
       {"delete before add, which takes the freed number",
-       {"-a", "eth0", "192.0.2.12", "255.255.255.0", "-d", "192.0.2.10"},
+       "-a eth0 192.0.2.12 255.255.255.0 -d 192.0.2.10",
        silentSuccess,
        {"eth0:1 192.0.2.12", two}},
       {"add on the last named interface only",
-       {"-a", "eth0", "-a", "eth1", "10.0.0.5", "255.255.255.0"},
+       "-a eth0 -a eth1 10.0.0.5 255.255.255.0",
        silentSuccess,
        {one, two, "eth1:1 10.0.0.5"}},
-      {"list before a failing delete",
-       {"-d", "192.0.2.1", "-l"},
-       {1, 0, listed.out, mainKept},
-       {one, two}},
+      {"list before a failing delete", "-d 192.0.2.1 -l", {1, 0, listed.out, mainKept}, {one, two}},
       {"a failing delete stops the rest and undoes nothing",
-       {"-a", "eth0", "192.0.2.12", "255.255.255.0", "-d", "192.0.2.10", "-d", "192.0.2.1", "-d",
-        "192.0.2.11"},
+       "-a eth0 192.0.2.12 255.255.255.0 -d 192.0.2.10 -d 192.0.2.1 -d 192.0.2.11",
        {1, 0, "", mainKept},
        {two}},
       {"a failing add undoes no delete",
-       {"-a", "eth9", "192.0.2.12", "255.255.255.0", "-d", "192.0.2.10"},
+       "-a eth9 192.0.2.12 255.255.255.0 -d 192.0.2.10",
        failure("eth9: no such network interface."),
        {two}},
   };
@@ -200,7 +179,7 @@ TEST(Actions, RunInOrderUntilOneFails) {
       addresses.push_back(alias + "/24");
       files["ifcfg-" + label] = {aliasText(label, alias.substr(blank + 1), "255.255.255.0")};
     }
-    EXPECT_EQ(runAddrtool(arguments), outcome);
+    EXPECT_EQ(runTyped(arguments), outcome);
     expectAdded(addresses);
     EXPECT_EQ(networkFiles(), files);
   }
@@ -247,7 +226,7 @@ TEST(Actions, DeletesRunInTheOrderOfTheCommandLine) {
 
 // Runs the program and returns both streams as one text.
 std::string outputOf(const std::string& arguments) {
-  const Outcome outcome = runShell("addrtool " + arguments + " 2>&1");
+  const Outcome outcome = runTyped(arguments + " 2>&1");
   EXPECT_EQ(outcome.err, "");
   return outcome.out;
 }
