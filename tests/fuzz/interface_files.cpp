@@ -36,14 +36,6 @@ bool parse(const std::string& line, const std::string& key, Entries& entries) {
   return false;
 }
 
-// The entries of all lists, or nothing if a list is malformed.
-std::optional<Entries> listed(const Lines& lines, const std::string& key) {
-  Entries entries;
-  bool isParsed = true;
-  for (const std::string& line : lines) isParsed &= parse(line, key, entries);
-  return isParsed ? std::optional(entries) : std::nullopt;
-}
-
 using Edit = int (*)(std::FILE* oldFile, std::FILE* newFile, void* context);
 
 std::optional<std::string> runEdit(Edit edit, std::string content, const AddressRecord& address) {
@@ -63,67 +55,65 @@ std::optional<std::string> runEdit(Edit edit, std::string content, const Address
   return result == 0 ? std::optional(written) : std::nullopt;
 }
 
-void checkOtherLinesAreKept(const Lines& lines, const std::string& written) {
-  std::size_t at = 0;
-  for (const std::string& line : lines) {
-    if (line.starts_with(primaryKey) || line.starts_with(listStem)) continue;
-    const std::size_t found = written.find(line, at);
-    require(found != std::string::npos, "every other line is kept, byte for byte and in order");
-    at = found + line.size();
-  }
-}
-
-void checkAdd(const std::string& content, const Lines& lines, const AddressRecord& address) {
-  const auto written = runEdit(copyWithIPv6, content, address);
-  require(written.has_value() == listed(lines, listStem).has_value(),
-          "an add fails exactly if a list is malformed");
-  if (!written) return;
-  checkOtherLinesAreKept(lines, *written);
-  require(written->find(listKey + '"' + formatIPv6Entry(address)) != std::string::npos,
-          "an add puts the address first in the list");
-}
-
-// The list line with these entries, without the removed address.
-std::string listLine(Entries entries, const std::string& removed) {
-  std::erase_if(entries, [&](const auto& entry) { return modelSameIPv6(entry.address, removed); });
+// The entries with a blank before each.
+std::string spaced(const Entries& entries) {
   std::string text;
-  for (const AddressRecord& entry : entries) {
-    text += (text.empty() ? listKey + '"' : " ") + formatIPv6Entry(entry);
-  }
-  return text + '"';
+  for (const AddressRecord& entry : entries) text += ' ' + formatIPv6Entry(entry);
+  return text;
 }
 
-void checkRemoval(const std::string& content, const Lines& lines, const AddressRecord& address) {
-  auto entries = listed(lines, listKey);
-  const auto written = runEdit(copyWithoutIPv6, content, address);
-  require(entries || !written, "a removal fails if a list is malformed");
-  require(!entries || entries->empty() || written, "a removal fails only without another address");
-  if (!written) return;
-  checkOtherLinesAreKept(lines, *written);
-  const std::string allKept = listLine(*entries, address.address);
-  std::string promoted = primaryKey;
-  if (!entries->empty()) {
-    promoted += formatIPv6Entry(entries->front()) + '\n';
-    entries->erase(entries->begin());
+// The file after an add, or nothing if a list is malformed. The list only grows: a second one
+// repeats the first.
+std::optional<std::string> modelAdd(const Lines& lines, const AddressRecord& address) {
+  std::string list = listKey + '"' + formatIPv6Entry(address);
+  std::string written;
+  bool isListed = false;
+  for (const std::string& line : lines) {
+    Entries entries;
+    if (!parse(line, listStem, entries)) return std::nullopt;
+    if (!entries.empty()) list += spaced(entries) + "\"\n";
+    written += entries.empty() ? line : list;
+    isListed |= !entries.empty();
   }
-  const std::string firstPromoted = listLine(*entries, address.address);
-  for (const std::string& line : splitAt(*written, '\n')) {
-    if (!line.starts_with(listKey)) continue;
-    require(
-        line == allKept || (line == firstPromoted && written->find(promoted) != std::string::npos),
-        "a list loses the address, or its first entry to the primary");
-  }
+  return isListed ? written : written + list + "\"\n";
 }
 
-// An unquoted list survives formatting and parsing. A quote before the first entry would count as a
-// quote around the list.
-void checkRoundTrip(const Entries& entries) {
-  if (entries.empty() || entries.front().address.find_first_of("\"'") == 0) return;
-  std::string line = listKey;
-  for (const AddressRecord& entry : entries) line += formatIPv6Entry(entry) + ' ';
-  Entries readBack;
-  parseIPv6List(line, readBack);
-  require(readBack == entries, "an unquoted list reads back as it was written");
+// The address of a primary line.
+std::string primaryOf(const std::string& line) {
+  constexpr const char* margin = "'\" \n\t\r";
+  const std::string value = line.substr(0, line.find_last_not_of(margin) + 1);
+  const std::size_t start = value.find_first_not_of(margin, primaryKey.size());
+  return start == std::string::npos ? "" : splitAt(value.substr(start), '/').front();
+}
+
+// The file after a removal, or nothing if a list is malformed or no other address is left.
+std::optional<std::string> modelRemoval(const Lines& lines, const std::string& address) {
+  Entries entries;
+  bool isParsed = true;
+  bool isPrimary = false;
+  for (const std::string& line : lines) {
+    isParsed &= parse(line, listKey, entries);
+    if (line.starts_with(primaryKey)) isPrimary = modelSameIPv6(primaryOf(line), address);
+  }
+  if (!isParsed || (isPrimary && entries.empty())) return std::nullopt;
+
+  std::string primary;
+  if (isPrimary) {
+    primary = primaryKey + formatIPv6Entry(entries.front()) + '\n';
+    entries.erase(entries.begin());
+  }
+  std::erase_if(entries, [&](const auto& entry) { return modelSameIPv6(entry.address, address); });
+  std::string written;
+  for (const std::string& line : lines) {
+    if (isPrimary && line.starts_with(primaryKey)) {
+      written += primary;
+    } else if (!line.starts_with(listKey)) {
+      written += line;
+    } else if (!entries.empty()) {
+      written += listKey + '"' + spaced(entries).substr(1) + "\"\n";
+    }
+  }
+  return written;
 }
 
 }  // namespace
@@ -140,10 +130,15 @@ int checkInput(Octets input) {
   for (const std::string& line : lines) {
     Entries entries;
     parse(line, "", entries);
-    checkRoundTrip(entries);
+    // The blank behind the key separates it from a quote, which would enclose the list.
+    Entries readBack;
+    parseIPv6List(listKey + spaced(entries), readBack);
+    require(readBack == entries, "an unquoted list reads back as it was written");
   }
-  checkAdd(content, lines, address);
-  checkRemoval(content, lines, address);
+  require(runEdit(copyWithIPv6, content, address) == modelAdd(lines, address),
+          "an add puts the address first in the list, and fails only if a list is malformed");
+  require(runEdit(copyWithoutIPv6, content, address) == modelRemoval(lines, address.address),
+          "a removal takes the address from the list, or promotes the first entry");
   return 0;
 }
 

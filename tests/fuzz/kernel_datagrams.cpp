@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -36,10 +35,9 @@ std::size_t paddedTo4(std::size_t length) {
   return (length + 3) / 4 * 4;
 }
 
-// The attributes of one message, as offsets into the message.
 struct ModelAttributes {
-  std::optional<std::size_t> address;
-  std::optional<std::size_t> local;
+  Octets address;
+  Octets local;
   std::string label;
 };
 
@@ -50,15 +48,10 @@ ModelAttributes modelAttributes(Octets message, std::size_t addressSize) {
     length = numberAt<std::uint16_t>(message, at);
     const unsigned type = numberAt<std::uint16_t>(message, at + 2);
     if (length < 4 || at + length > message.size()) break;
-    const bool holdsAddress = length - 4 >= addressSize;
-    if (type == 1 && holdsAddress) found.address = at + 4;
-    if (type == 2 && holdsAddress) found.local = at + 4;
-    if (type == 3) {
-      found.label.clear();
-      for (std::size_t i = 4; i < length && message[at + i] != 0; ++i) {
-        found.label += static_cast<char>(message[at + i]);
-      }
-    }
+    const Octets payload = message.subspan(at + 4, length - 4);
+    if (type == 1 && payload.size() >= addressSize) found.address = payload;
+    if (type == 2 && payload.size() >= addressSize) found.local = payload;
+    if (type == 3) found.label = upToNul({payload.begin(), payload.end()});
   }
   return found;
 }
@@ -73,10 +66,10 @@ void modelMessage(Octets message, bool includeHostScope, AddressDump& dump) {
   const std::string interface = nameOfInterface(numberAt<std::uint32_t>(message, 20));
 
   const auto attributes = modelAttributes(message, family == 2 ? 4 : 16);
-  if (!attributes.address) return;
+  if (attributes.address.empty()) return;
+  const Octets own = attributes.local.empty() ? attributes.address : attributes.local;
   std::array<char, INET6_ADDRSTRLEN> text{};
-  inet_ntop(static_cast<int>(family), &message[attributes.local.value_or(*attributes.address)],
-            text.data(), text.size());
+  inet_ntop(static_cast<int>(family), own.data(), text.data(), text.size());
   const AddressRecord record{text.data(), message[17]};
 
   const std::size_t colon = attributes.label.find(':');
@@ -100,7 +93,7 @@ void modelDatagram(Octets datagram, bool includeHostScope, AddressDump& dump) {
 
 DatagramKind modelKind(Octets datagram) {
   if (datagram.size() < 16) return DatagramKind::Malformed;
-  const std::uint32_t length = numberAt<std::uint32_t>(datagram, 0);
+  const auto length = numberAt<std::uint32_t>(datagram, 0);
   const unsigned type = numberAt<std::uint16_t>(datagram, 4);
   if (length < 16 || length > datagram.size() || type == 2) return DatagramKind::Malformed;
   return type == 3 ? DatagramKind::EndOfDump : DatagramKind::Addresses;
