@@ -1,6 +1,8 @@
 // Runs a program, or a function in a child process, and captures both output streams separately.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -45,6 +47,11 @@ Outcome runShell(const std::string& script);
 
 /// Calls the function in a child process, which then calls exit(0) if the function returns.
 Outcome runInChild(const std::function<void()>& function);
+
+/// Expects this outcome of the function in a child process.
+inline void expectInChild(const Outcome& outcome, const std::function<void()>& function) {
+  EXPECT_EQ(runInChild(function), outcome);
+}
 
 /// The same with standard error buffered and each write to standard output ending the child
 /// (SIGPIPE): only what was flushed to standard error before is in the outcome.
