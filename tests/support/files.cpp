@@ -8,8 +8,6 @@
 
 namespace addrtool::testing {
 
-namespace fs = std::filesystem;
-
 TemporaryDirectory::TemporaryDirectory() {
   std::string name = (fs::temp_directory_path() / "addrtool.XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("mkdtemp failed");

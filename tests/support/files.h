@@ -9,6 +9,8 @@
 
 namespace addrtool::testing {
 
+namespace fs = std::filesystem;
+
 /// A new directory. The destructor removes it with its contents.
 class TemporaryDirectory {
  public:
@@ -19,23 +21,23 @@ class TemporaryDirectory {
   TemporaryDirectory(TemporaryDirectory&&) = delete;
   TemporaryDirectory& operator=(TemporaryDirectory&&) = delete;
 
-  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-  const std::filesystem::path& path() const { return path_; }
+  fs::path operator/(const std::string& name) const { return path_ / name; }
+  const fs::path& path() const { return path_; }
 
  private:
-  std::filesystem::path path_;
+  fs::path path_;
 };
 
 /// Returns all bytes of the file. Throws if it cannot be read.
-std::string readFile(const std::filesystem::path& path);
+std::string readFile(const fs::path& path);
 
 /// Creates or overwrites the file. Throws if it cannot be written.
-void writeFile(const std::filesystem::path& path, const std::string& contents);
+void writeFile(const fs::path& path, const std::string& contents);
 
 /// A stream that reads these texts one after the other. An empty text is a read error.
 std::FILE* openTexts(std::queue<std::string>& texts);
 
 /// Returns the sorted names in the directory.
-std::vector<std::string> listDirectory(const std::filesystem::path& path);
+std::vector<std::string> listDirectory(const fs::path& path);
 
 }  // namespace addrtool::testing

@@ -2,66 +2,47 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "support/files.h"
 
 namespace addrtool::testing {
 namespace {
 
 TEST(InterfaceConfigPath, IsAFixedPrefixAndTheLabel) {
-  const std::vector<std::pair<std::string, std::string>> table{
-      {"eth0", "/etc/sysconfig/network-scripts/ifcfg-eth0"},
-      {"eth0:1", "/etc/sysconfig/network-scripts/ifcfg-eth0:1"},
-      {"", "/etc/sysconfig/network-scripts/ifcfg-"},
-      {"../x y", "/etc/sysconfig/network-scripts/ifcfg-../x y"},
-  };
-  for (const auto& [label, path] : table) EXPECT_EQ(interfaceConfigPath(label), path);
+  for (const std::string label : {"eth0", "eth0:1", "", "../x y"}) {
+    EXPECT_EQ(interfaceConfigPath(label), "/etc/sysconfig/network-scripts/ifcfg-" + label);
+  }
 }
 
-// The first three lines. Whether there is a fourth depends on the machine.
-std::string contentOf(LabelledAddress alias) {
-  const TemporaryDirectory directory;
-  std::FILE* file = std::fopen((directory / "new").c_str(), "w");
-  EXPECT_EQ(writeAliasContent(nullptr, file, &alias), 0);
-  std::fclose(file);
-  const std::string content = readFile(directory / "new");
-  std::size_t end = 0;
-  for (int line = 0; line < 3; ++line) end = content.find('\n', end) + 1;
-  return content.substr(0, end);
-}
-
-TEST(AliasContent, GivesDeviceAddressAndNetmask) {
-  EXPECT_EQ(contentOf({"eth0:1", {"10.0.0.5", 24}}),
-            "DEVICE=\"eth0:1\"\nIPADDR=\"10.0.0.5\"\nNETMASK=\"255.255.255.0\"\n");
-}
-
-TEST(AliasContent, TreatsPrefixLength0As32) {
-  const std::string fullMask =
-      "DEVICE=\"eth0:1\"\nIPADDR=\"10.0.0.5\"\nNETMASK=\"255.255.255.255\"\n";
-  EXPECT_EQ(contentOf({"eth0:1", {"10.0.0.5", 0}}), fullMask);
-  EXPECT_EQ(contentOf({"eth0:1", {"10.0.0.5", 32}}), fullMask);
-}
-
-TEST(AliasContent, WritesItsValuesWithoutEscaping) {
-  EXPECT_EQ(contentOf({"e\"t$h%s", {" 010.0.0.05\"", 8}}),
-            "DEVICE=\"e\"t$h%s\"\nIPADDR=\" 010.0.0.05\"\"\nNETMASK=\"255.0.0.0\"\n");
-}
-
-TEST(AliasContent, DoesNotReadTheOldFile) {
+// Expects that the file of the alias starts with this content, although there is an old file.
+// Whether a fourth line follows depends on the machine.
+void expectContent(LabelledAddress alias, const std::string& content) {
   const TemporaryDirectory directory;
   writeFile(directory / "old", "IPADDR=\"10.0.0.9\"\n");
   std::FILE* oldFile = std::fopen((directory / "old").c_str(), "r");
   std::FILE* newFile = std::fopen((directory / "new").c_str(), "w");
-  LabelledAddress alias{"eth0:1", {"10.0.0.5", 24}};
   EXPECT_EQ(writeAliasContent(oldFile, newFile, &alias), 0);
-  EXPECT_EQ(std::ftell(oldFile), 0);
+  EXPECT_EQ(std::ftell(oldFile), 0) << "the old file is not read";
   std::fclose(oldFile);
   std::fclose(newFile);
-  EXPECT_TRUE(readFile(directory / "new").starts_with("DEVICE=\"eth0:1\"\n"));
+  const std::string written = readFile(directory / "new");
+  EXPECT_EQ(written.substr(0, content.size()), content);
+}
+
+TEST(AliasContent, GivesDeviceAddressAndNetmask) {
+  expectContent({"eth0:1", {"10.0.0.5", 24}},
+                "DEVICE=\"eth0:1\"\nIPADDR=\"10.0.0.5\"\nNETMASK=\"255.255.255.0\"\n");
+}
+
+TEST(AliasContent, TreatsPrefixLength0As32) {
+  for (const std::uint16_t length : std::vector<std::uint16_t>{0, 32}) {
+    expectContent({"eth0:1", {"10.0.0.5", length}},
+                  "DEVICE=\"eth0:1\"\nIPADDR=\"10.0.0.5\"\nNETMASK=\"255.255.255.255\"\n");
+  }
+}
+
+TEST(AliasContent, WritesItsValuesWithoutEscaping) {
+  expectContent({"e\"t$h%s", {" 010.0.0.05\"", 8}},
+                "DEVICE=\"e\"t$h%s\"\nIPADDR=\" 010.0.0.05\"\"\nNETMASK=\"255.0.0.0\"\n");
 }
 
 TEST(AliasContent, ReportsSuccessAlthoughTheDiskIsFull) {

@@ -10,11 +10,9 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
-#include <string>
+#include <tuple>
 #include <utility>
-#include <vector>
 
 #include "support/child_process.h"
 #include "support/failing_call.h"
@@ -29,19 +27,19 @@ using Log = std::vector<LoggedMessage>;
 
 // Reads files into one table and records the log.
 struct ConfigFile : ::testing::Test {
-  int readPath(const std::string& path) {
+  int readPath(const std::string& file) {
     table.reset(static_cast<RuntimeConfiguration*>(std::calloc(1, sizeof(RuntimeConfiguration))));
     LogRecorder::take();
     errno = 0;
-    return readConfigFile(path.c_str(), table.get());
+    return readConfigFile(file.c_str(), table.get());
   }
 
   int readText(const std::string& text) {
-    writeFile(directory / "kel.conf", text);
-    return readPath(directory / "kel.conf");
+    writeFile(path, text);
+    return readPath(path);
   }
 
-  // In the order of the names.
+  // In the order of the table.
   Definitions definitions() const {
     Definitions result;
     for (std::uint32_t i = 0; i < table->count; ++i) {
@@ -50,27 +48,31 @@ struct ConfigFile : ::testing::Test {
     return result;
   }
 
-  // Expects what a file with this one line defines or logs.
-  void expectDefinition(const std::string& line, const std::string& name,
-                        const std::string& value) {
-    EXPECT_EQ(readText(line), 0);
-    EXPECT_EQ(definitions(), (Definitions{{name, value}})) << "for the line \"" << line << '"';
-    EXPECT_EQ(LogRecorder::take(), Log{});
+  // Expects what a file with this text defines and what is logged about it.
+  void expectContent(const std::string& text, const Definitions& expected, const Log& log = {}) {
+    SCOPED_TRACE("the file \"" + text + '"');
+    EXPECT_EQ(readText(text), 0);
+    EXPECT_EQ(definitions(), expected);
+    EXPECT_EQ(LogRecorder::take(), log);
   }
-  void expectNothing(const std::string& line, const Log& log) {
-    EXPECT_EQ(readText(line), 0);
-    EXPECT_EQ(definitions(), Definitions{}) << "for the line \"" << line << '"';
-    EXPECT_EQ(LogRecorder::take(), log) << "for the line \"" << line << '"';
+
+  // Expects that each of the texts defines this value after a name.
+  void expectValue(const std::string& value, const std::vector<std::string>& texts) {
+    for (const std::string& text : texts) expectContent("NAME " + text, {{"NAME", value}});
+  }
+
+  void expectFailure(const std::string& file, int error, const std::string& message) {
+    EXPECT_EQ(readPath(file), -1);
+    EXPECT_EQ(errno, error);
+    EXPECT_EQ(LogRecorder::take(), (Log{{12, message}}));
+    EXPECT_EQ(table->capacity, 20U);  // the slots were allocated first
   }
 
   TemporaryDirectory directory;
+  std::string path = directory / "kel.conf";
   LogRecorder recorder;
   std::unique_ptr<RuntimeConfiguration, void (*)(RuntimeConfiguration*)> table{nullptr, freeConfig};
 };
-
-std::size_t openDescriptors() {
-  return listDirectory("/proc/self/fd").size();
-}
 
 LoggedMessage noSpace(const std::string& definition) {
   return {12,
@@ -81,60 +83,54 @@ LoggedMessage noValue(const std::string& definition) {
   return {12, "Invalid variable definition " + definition + "\nExpected a value"};
 }
 
-LoggedMessage cannotOpen(const std::string& path, const std::string& reason) {
-  return {12, "unable to open configuration file " + path + ": " + reason + "\n"};
+// That many lines.
+std::string numberedLines(int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) {
+    text += "NAME_" + std::to_string(i) + " value_" + std::to_string(i) + "\n";
+  }
+  return text;
 }
 
 TEST_F(ConfigFile, ADefinitionIsANameWhiteSpaceAndAValue) {
-  expectDefinition("NAME\tvalue\n", "NAME", "value");
-  expectDefinition(" \t\v\f\rNAME value\n", "NAME", "value");
-  expectDefinition("_a9Z_ 1\n", "_a9Z_", "1");
-  expectDefinition("9 v\n", "9", "v");
+  expectContent("NAME\tvalue\n", {{"NAME", "value"}});
+  expectContent(" \t\v\f\rNAME value\n", {{"NAME", "value"}});
+  expectContent("_a9Z_ 1\n", {{"_a9Z_", "1"}});
+  expectContent("9 v\n", {{"9", "v"}});
 }
 
-TEST_F(ConfigFile, AValueEndsAtAHashAndKeepsInnerAndSomeTrailingWhiteSpace) {
-  // The text after "NAME " and the value that it defines.
-  const std::vector<std::pair<const char*, const char*>> rows{
-      {"value\n", "value"},
-      {"value", "value"},
-      {"\t \v\f\r value\n", "value"},
-      {"=\n", "="},
-      {"\"a\\\n", "\"a\\"},
-      {"\xe4\xff\n", "\xe4\xff"},
-      // Inner white space belongs to the value.
-      {"a b\n", "a b"},
-      {"a  b\tc\n", "a  b\tc"},
-      {"a b   c d\n", "a b   c d"},
-      // A hash after the first character ends it.
-      {"a#b\n", "a"},
-      {"a#", "a"},
-      {"ab#c#d\n", "ab"},
-      {"a b#c\n", "a b"},
-      // An odd run of trailing white space loses its last character, an even run stays.
-      {"v\n", "v"},
-      {"value \n", "value \n"},
-      {"value  \n", "value  "},
-      {"value   \n", "value   \n"},
-      {"value    \n", "value    "},
-      {"value\r\n", "value\r\n"},
-      {"value\t\r\n", "value\t\r"},
-      {"value ", "value"},
-      {"value  ", "value  "},
-      {"value   ", "value  "},
-      {"value #c\n", "value"},
-      {"value  #c\n", "value  "},
-      {"value   # c \n", "value  "},
-      {"a  b \n", "a  b \n"},
-      {"a b  \n", "a b  "}};
-  for (const auto& [text, value] : rows) {
-    expectDefinition(std::string("NAME ") + text, "NAME", value);
+TEST_F(ConfigFile, AValueHoldsAnyBytesAndInnerWhiteSpace) {
+  expectValue("value", {"value\n", "value", "\t \v\f\r value\n"});
+  for (const std::string value : {"=", "\"a\\", "\xe4\xff", "a b", "a  b\tc", "a b   c d"}) {
+    expectValue(value, {value + "\n"});
+  }
+}
+
+TEST_F(ConfigFile, AHashAfterItsFirstCharacterEndsAValue) {
+  expectValue("a", {"a#b\n", "a#"});
+  expectValue("ab", {"ab#c#d\n"});
+  expectValue("a b", {"a b#c\n"});
+}
+
+TEST_F(ConfigFile, AnOddRunOfTrailingWhiteSpaceLosesItsLastCharacter) {
+  expectValue("value", {"value ", "value #c\n"});
+  expectValue("value  ", {"value   ", "value   # c \n"});
+  for (const std::string value : {"v", "value  ", "value    ", "value\t\r", "a b  "}) {
+    expectValue(value, {value + "\n"});
+  }
+}
+
+TEST_F(ConfigFile, AnEvenRunOfTrailingWhiteSpaceStays) {
+  expectValue("value  ", {"value  ", "value  #c\n"});
+  for (const std::string value : {"value \n", "value   \n", "value\r\n", "a  b \n"}) {
+    expectValue(value, {value});
   }
 }
 
 TEST_F(ConfigFile, BlankLinesAndCommentsAreSkipped) {
   for (const char* const line : {"", "\n", "   \n", " \t\r\n", "\v\f\n", "# comment\n", "#\n", "#",
                                  "  # NAME value\n", "#NAME value\n", "\n\n\n"}) {
-    expectNothing(line, {});
+    expectContent(line, {});
   }
 }
 
@@ -142,33 +138,26 @@ TEST_F(ConfigFile, ANameMustBeFollowedByWhiteSpaceAndAValue) {
   for (const std::string line :
        {"NAME=value\n", "NAME=value", "NAME# value\n", "NAME-D value\n", "NAME.D value # c\n",
         "N\xe4ME value\n", "NAME\xa0value\n", "NAME", "= value\n", "\"NAME\" value\n", "\xff\n"}) {
-    expectNothing(line, {noSpace(line)});
-    expectNothing("  " + line, {noSpace(line)});
+    expectContent(line, {}, {noSpace(line)});
+    expectContent("  " + line, {}, {noSpace(line)});
   }
   for (const std::string line : {"NAME\n", "NAME \t \n", "NAME ", "NAME # x\n", "NAME #\n"}) {
-    expectNothing(line, {noValue(line)});
-    expectNothing("  " + line, {noValue(line)});
+    expectContent(line, {}, {noValue(line)});
+    expectContent("  " + line, {}, {noValue(line)});
   }
 }
 
 TEST_F(ConfigFile, ABadLineIsSkippedAndTheTableIsSortedAtTheEnd) {
-  EXPECT_EQ(readText("B 1\nB=2\nC\nE 2\n# D 4\nA 5\nB 3\nB=4\nB"), 0);
+  expectContent("B 1\nB=2\nC\nE 2\n# D 4\nA 5\nB 3\nB=4\nB", {{"A", "5"}, {"B", "3"}, {"E", "2"}},
+                {noSpace("B=2\n"), noValue("C\n"), noSpace("B=4\n"), noSpace("B")});
   EXPECT_EQ(table->sorted, 1);
-  EXPECT_EQ(definitions(), (Definitions{{"A", "5"}, {"B", "3"}, {"E", "2"}}));
-  EXPECT_EQ(LogRecorder::take(),
-            (Log{noSpace("B=2\n"), noValue("C\n"), noSpace("B=4\n"), noSpace("B")}));
 }
 
 TEST_F(ConfigFile, AnEmptyFileTakesTwentySlotsAndTwentyFiveDefinitionsForty) {
-  EXPECT_EQ(readText(""), 0);
-  EXPECT_EQ(table->count, 0U);
+  expectContent("", {});
   EXPECT_EQ(table->capacity, 20U);
 
-  std::string text;
-  for (int i = 0; i < 25; ++i) {
-    text += "NAME_" + std::to_string(i) + " value_" + std::to_string(i) + "\n";
-  }
-  EXPECT_EQ(readText(text), 0);
+  EXPECT_EQ(readText(numberedLines(25)), 0);
   EXPECT_EQ(table->count, 25U);
   EXPECT_EQ(table->capacity, 40U);
   for (int i = 0; i < 25; ++i) {
@@ -178,22 +167,20 @@ TEST_F(ConfigFile, AnEmptyFileTakesTwentySlotsAndTwentyFiveDefinitionsForty) {
 }
 
 TEST_F(ConfigFile, LinesOfAnyLengthAreRead) {
-  const std::string long1(1000000, 'n');
-  const std::string long2(1000000, 'v');
-  EXPECT_EQ(readText(long1 + " " + long2 + "\nB 2\n#" + long1 + "\n" + long2), 0);
-  EXPECT_EQ(definitions(), (Definitions{{"B", "2"}, {long1, long2}}));
-  EXPECT_EQ(LogRecorder::take(), (Log{noSpace(long2)}));
+  const std::string name(1000000, 'n');
+  const std::string value(1000000, 'v');
+  expectContent(name + " " + value + "\nB 2\n#" + name + "\n" + value, {{"B", "2"}, {name, value}},
+                {noSpace(value)});
 }
 
 TEST_F(ConfigFile, ALineEndsAtANulByte) {
   using namespace std::string_literals;
-  expectDefinition("NAME value\0 more\n"s, "NAME", "value");
-  expectDefinition("NAME value \0 more\n"s, "NAME", "value");
-  expectNothing("\0NAME value\n"s, {});
-  expectNothing("NAME\0 value\n"s, {noSpace("NAME")});
-  expectNothing("NAME \0value\n"s, {noValue("NAME ")});
-  EXPECT_EQ(readText("A 1\0\nB 2\n\0\0\0\n\0"s), 0);
-  EXPECT_EQ(definitions(), (Definitions{{"A", "1"}, {"B", "2"}}));
+  expectContent("NAME value\0 more\n"s, {{"NAME", "value"}});
+  expectContent("NAME value \0 more\n"s, {{"NAME", "value"}});
+  expectContent("\0NAME value\n"s, {});
+  expectContent("NAME\0 value\n"s, {}, {noSpace("NAME")});
+  expectContent("NAME \0value\n"s, {}, {noValue("NAME ")});
+  expectContent("A 1\0\nB 2\n\0\0\0\n\0"s, {{"A", "1"}, {"B", "2"}});
 }
 
 TEST_F(ConfigFile, AnyByteIsAcceptedAnywhere) {
@@ -216,40 +203,28 @@ TEST_F(ConfigFile, AFileCutAtAnyLengthIsRead) {
 }
 
 TEST_F(ConfigFile, AFileThatCannotBeOpenedFailsWithItsErrno) {
-  writeFile(directory / "file", "");
-  std::filesystem::create_symlink("loop", directory / "loop");
-  struct Row {
-    std::string path;
-    int error;
-    std::string reason;
-  };
-  const std::vector<Row> rows{{directory / "missing", ENOENT, "No such file or directory"},
-                              {directory / "file/below", ENOTDIR, "Not a directory"},
-                              {directory / "loop", ELOOP, "Too many levels of symbolic links"}};
-  for (const auto& [path, error, reason] : rows) {
-    EXPECT_EQ(readPath(path), -1);
-    EXPECT_EQ(errno, error);
-    EXPECT_EQ(LogRecorder::take(), (Log{cannotOpen(path, reason)}));
-    EXPECT_EQ(table->capacity, 20U);  // the slots were allocated first
+  writeFile(path, "");
+  fs::create_symlink("loop", directory / "loop");
+  const std::vector<std::tuple<std::string, int, std::string>> rows{
+      {directory / "missing", ENOENT, ": No such file or directory\n"},
+      {path + "/below", ENOTDIR, ": Not a directory\n"},
+      {directory / "loop", ELOOP, ": Too many levels of symbolic links\n"}};
+  for (const auto& [file, error, reason] : rows) {
+    expectFailure(file, error, "unable to open configuration file " + file + reason);
   }
 }
 
-TEST_F(ConfigFile, AFileThatCannotBeReadToItsEndFails) {
-  EXPECT_EQ(readPath(directory.path()), -1);
-  EXPECT_EQ(errno, EISDIR);
-  EXPECT_EQ(LogRecorder::take(), (Log{{12, "Unable to read configuration file: Is a directory"}}));
+const std::string cannotRead = "Unable to read configuration file: ";
 
-  EXPECT_EQ(readPath("/proc/self/mem"), -1);
-  EXPECT_EQ(errno, EIO);
-  EXPECT_EQ(LogRecorder::take(),
-            (Log{{12, "Unable to read configuration file: Input/output error"}}));
+TEST_F(ConfigFile, AFileThatCannotBeReadToItsEndFails) {
+  expectFailure(directory.path(), EISDIR, cannotRead + "Is a directory");
+  expectFailure("/proc/self/mem", EIO, cannotRead + "Input/output error");
 }
 
 // A signal interrupts the read of a FIFO after a partial line. Logging that line changes errno.
 TEST_F(ConfigFile, AReadErrorKeepsItsErrnoWhenAPartialLineIsLogged) {
-  const std::string fifo = directory / "fifo";
-  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-  const int writer = open(fifo.c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  const int writer = open(path.c_str(), O_RDWR | O_CLOEXEC);
   ASSERT_EQ(write(writer, "A 1\nB=2", 7), 7);
   struct sigaction interrupt {};
   interrupt.sa_handler = [](int /*signal*/) {};
@@ -258,7 +233,7 @@ TEST_F(ConfigFile, AReadErrorKeepsItsErrnoWhenAPartialLineIsLogged) {
   constexpr itimerval every10Milliseconds{{0, 10000}, {0, 10000}};
   constexpr itimerval never{};
   setitimer(ITIMER_REAL, &every10Milliseconds, nullptr);
-  const int result = readPath(fifo);
+  const int result = readPath(path);
   const int error = errno;
   setitimer(ITIMER_REAL, &never, nullptr);
   sigaction(SIGALRM, &before, nullptr);
@@ -267,88 +242,80 @@ TEST_F(ConfigFile, AReadErrorKeepsItsErrnoWhenAPartialLineIsLogged) {
   EXPECT_EQ(result, -1);
   EXPECT_EQ(error, EINTR);
   EXPECT_EQ(definitions(), (Definitions{{"A", "1"}}));
-  EXPECT_EQ(
-      LogRecorder::take(),
-      (Log{noSpace("B=2"), {12, "Unable to read configuration file: Interrupted system call"}}));
+  EXPECT_EQ(LogRecorder::take(),
+            (Log{noSpace("B=2"), {12, cannotRead + "Interrupted system call"}}));
 }
 
 TEST_F(ConfigFile, AFailedCloseKeepsTheErrnoOfTheFirstFailure) {
   const FailingCall failing(Call::Fclose, ENOSPC);
-  EXPECT_EQ(readPath(directory.path()), -1);
-  EXPECT_EQ(errno, EISDIR);
+  expectFailure(directory.path(), EISDIR, cannotRead + "Is a directory");
 }
 
 TEST_F(ConfigFile, AFailedReadSortsTheTableAndAFailedStoreDoesNot) {
-  writeFile(directory / "kel.conf", "B 1\nA 2\nC 3\n");
+  writeFile(path, "B 1\nA 2\nC 3\n");
   {
     const FailingAllocations failing(9);  // after table, slots, line, two copies, line, two copies
-    EXPECT_EQ(readPath(directory / "kel.conf"), -1);
+    EXPECT_EQ(readPath(path), -1);
     EXPECT_EQ(table->sorted, 1);
     EXPECT_EQ(definitions(), (Definitions{{"A", "2"}, {"B", "1"}}));
   }
   const FailingAllocations failing(10);  // the next one, a copy of the third name
-  EXPECT_EQ(readPath(directory / "kel.conf"), -1);
+  EXPECT_EQ(readPath(path), -1);
   EXPECT_EQ(table->sorted, 0);
   EXPECT_EQ(definitions(), (Definitions{{"B", "1"}, {"A", "2"}}));
 }
 
 TEST_F(ConfigFile, EveryFailedAllocationFailsTheReading) {
-  std::string text;
-  for (int i = 0; i < 21; ++i) text += "NAME_" + std::to_string(i) + " value\n";
-  EXPECT_EQ(readText(text), 0);
+  EXPECT_EQ(readText(numberedLines(21)), 0);
   const Definitions all = definitions();
-
-  const std::string outOf = ": Cannot allocate memory";
-  int failures = 0;
-  for (int nth = 2;; ++nth) {
-    const FailingAllocations failing(nth);  // the first one makes the table itself
-    if (readPath(directory / "kel.conf") == 0) break;
-    ++failures;
+  int nth = 2;  // the first one makes the table itself
+  for (;; ++nth) {
+    SCOPED_TRACE(nth);
+    const FailingAllocations failing(nth);
+    if (readPath(path) == 0) break;
     EXPECT_EQ(errno, ENOMEM);
     const Log log = LogRecorder::take();
-    if (nth == 2) {
-      EXPECT_EQ(log, Log{});
-    } else {
-      ASSERT_EQ(log.size(), 1U) << "at allocation " << nth;
-      EXPECT_EQ(log[0].priority, 12);
-      EXPECT_NE(log[0].text.find(outOf), std::string::npos) << log[0].text;
+    ASSERT_EQ(log.size(), nth == 2 ? 0U : 1U);
+    for (const auto& [priority, text] : log) {
+      EXPECT_EQ(priority, 12);
+      EXPECT_TRUE(text.ends_with(": Cannot allocate memory")) << text;
     }
     EXPECT_LE(definitions().size(), all.size());
   }
-  EXPECT_EQ(failures, 1 + 22 + 2 * 21 + 1);  // slots, lines and end of file, copies, more slots
+  EXPECT_EQ(nth - 2, 1 + 22 + 2 * 21 + 1);  // slots, lines and end of file, copies, more slots
   EXPECT_EQ(definitions(), all);
 }
 
 TEST_F(ConfigFile, EveryDescriptorIsClosed) {
+  const auto openDescriptors = [] { return listDirectory("/proc/self/fd").size(); };
   const std::size_t before = openDescriptors();
   readText("A 1\n");
   readPath(directory / "missing");
   readPath(directory.path());
   {
     const FailingAllocations failing(5);
-    EXPECT_EQ(readPath(directory / "kel.conf"), -1);
+    EXPECT_EQ(readPath(path), -1);
   }
   EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST_F(ConfigFile, ReadingAddsToTheTable) {
   EXPECT_EQ(readText("A 1\nB 2\n"), 0);
-  writeFile(directory / "second", "C 3\nA 4\n");
-  EXPECT_EQ(readConfigFile((directory / "second").c_str(), table.get()), 0);
+  writeFile(path, "C 3\nA 4\n");
+  EXPECT_EQ(readConfigFile(path.c_str(), table.get()), 0);
   EXPECT_EQ(definitions(), (Definitions{{"A", "4"}, {"B", "2"}, {"C", "3"}}));
 }
 
 TEST(ConfigFileLog, IsSilentWithTheDefaultSettings) {
   const TemporaryDirectory directory;
   writeFile(directory / "kel.conf", "NAME=value\nNAME\n");
-  EXPECT_EQ(runInChild([&] {
-              RuntimeConfiguration table{};
-              readConfigFile((directory / "missing").c_str(), &table);
-              readConfigFile(directory.path().c_str(), &table);
-              readConfigFile((directory / "kel.conf").c_str(), &table);
-              std::free(table.entries);
-            }),
-            (Outcome{0, 0, "", ""}));
+  expectInChild(silentSuccess, [&] {
+    RuntimeConfiguration table{};
+    readConfigFile((directory / "missing").c_str(), &table);
+    readConfigFile(directory.path().c_str(), &table);
+    readConfigFile((directory / "kel.conf").c_str(), &table);
+    std::free(table.entries);
+  });
 }
 
 }  // namespace
