@@ -1,6 +1,8 @@
 // Passes datagrams to an AddressCollector, each in heap memory of exactly its size.
 #pragma once
 
+#include <sys/socket.h>
+
 #include <array>
 #include <stdexcept>
 #include <string>
@@ -22,7 +24,23 @@ inline std::string nameOfInterface(unsigned index) {
   return names.at(index - 1);
 }
 
+/// An IPv4 message as the kernel sends it, and an IPv6 message.
+inline AddressMessage ipv4(const std::string& address = "192.0.2.1",
+                           const std::string& label = "eth0") {
+  return {
+      .attributes = {addressAttribute(address), localAttribute(address), labelAttribute(label)}};
+}
+inline AddressMessage ipv6(const std::string& address = "2001:db8::1") {
+  return {.family = AF_INET6, .prefixLength = 64, .attributes = {addressAttribute(address)}};
+}
+
+/// The dump of a machine on which only eth0 has addresses.
+inline AddressDump eth0With(const InterfaceAddresses& addresses) {
+  return {{"eth0", addresses}};
+}
+
 inline const AddressDump nothing;
+inline const AddressDump plainIPv4 = eth0With({.primaryIPv4 = {{"192.0.2.1", 24}}});
 
 inline AddressDump collect(const std::vector<std::string>& datagrams, bool includeHostScope = false,
                            AddressCollector::InterfaceNamer interfaceNamer = nameOfInterface) {

@@ -2,46 +2,44 @@
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <linux/if_addr.h>
-#include <linux/netlink.h>
-#include <linux/rtnetlink.h>
 #include <netinet/in.h>
 
 #include <algorithm>
 #include <array>
-#include <string>
-#include <utility>
-#include <vector>
+#include <random>
 
 #include "support/child_process.h"
 #include "support/collect.h"
-#include "support/netlink_bytes.h"
 
 namespace addrtool::testing {
 namespace {
 
-AddressMessage ipv4(const std::string& address, const std::string& label = "eth0") {
-  return {
-      .attributes = {addressAttribute(address), localAttribute(address), labelAttribute(label)}};
+// The message with another value in one field, or with one more attribute.
+template <typename T>
+AddressMessage with(T AddressMessage::*field, unsigned value, AddressMessage message) {
+  message.*field = static_cast<T>(value);
+  return message;
 }
-
-AddressMessage ipv6(const std::string& address) {
-  return {.family = AF_INET6, .prefixLength = 64, .attributes = {addressAttribute(address)}};
-}
-
-AddressMessage onInterface(std::uint32_t index, AddressMessage message) {
-  message.index = index;
+AddressMessage with(const Attribute& attribute, AddressMessage message) {
+  message.attributes.push_back(attribute);
   return message;
 }
 
-// The dump of a machine on which only eth0 has addresses.
-AddressDump eth0With(const InterfaceAddresses& addresses) {
-  return {{"eth0", addresses}};
+AddressMessage onInterface(std::uint32_t index, const AddressMessage& message) {
+  return with(&AddressMessage::index, index, message);
 }
 
-// The same for one IPv4 address, 192.0.2.1/24, plain or as an alias, and for 2001:db8::1/64.
-const AddressDump plain = eth0With({.primaryIPv4 = {{"192.0.2.1", 24}}});
-const AddressDump onlyIPv6 = eth0With({.ipv6 = {{"2001:db8::1", 64}}});
+AddressMessage withLabel(const std::string& label) {
+  return ipv4("192.0.2.1", label);
+}
+
+// An IPv4 message that has only these attributes.
+AddressMessage having(std::vector<Attribute> attributes) {
+  return {.attributes = std::move(attributes)};
+}
+
+const Attribute plainAttribute = addressAttribute("192.0.2.1");
+const AddressDump plainIPv6 = eth0With({.ipv6 = {{"2001:db8::1", 64}}});
 
 AddressDump alias(const std::string& suffix) {
   return eth0With({.aliases = {{suffix, {"192.0.2.1", 24}}}});
@@ -64,135 +62,109 @@ TEST(AddressMessages, AnIPv4AddressIsWrittenAsInetNtopWritesIt) {
 // --- which messages count ---
 
 TEST(AddressMessages, OnlyTheFamiliesOfInternetAddressesCount) {
-  for (int family = 0; family < 256; ++family) {
-    AddressMessage message = ipv4("192.0.2.1");
-    // Long enough for either family.
-    message.attributes.push_back(addressAttribute("2001:db8::1"));
-    message.attributes.push_back(localAttribute("2001:db8::1"));
-    message.family = static_cast<std::uint8_t>(family);
-    EXPECT_EQ(collect({message}).empty(), family != AF_INET && family != AF_INET6)
+  const AddressMessage fitsBoth = having({addressAttribute("2001:db8::1")});
+  for (unsigned family = 0; family < 256; ++family) {
+    EXPECT_EQ(collect({with(&AddressMessage::family, family, fitsBoth)}).empty(),
+              family != AF_INET && family != AF_INET6)
         << "family " << family;
   }
 }
 
 TEST(AddressMessages, TheTypeOfAMessageIsIgnored) {
-  for (const int type : {0, 1, 2, 3, 4, 16, 20, 21, 22, 24, 0xFFFF}) {
-    AddressMessage message = ipv4("192.0.2.1");
-    message.type = static_cast<std::uint16_t>(type);
-    EXPECT_EQ(collect({message}), plain) << "type " << type;
+  for (const unsigned type : {0U, 1U, 2U, 3U, 4U, 16U, 20U, 21U, 22U, 24U, 0xFFFFU}) {
+    EXPECT_EQ(collect({with(&AddressMessage::type, type, ipv4())}), plainIPv4) << "type " << type;
   }
 }
 
 TEST(AddressMessages, OnlyPermanentIPv6AddressesCountAndIPv4FlagsAreIgnored) {
   for (unsigned flags = 0; flags < 256; ++flags) {
-    AddressMessage message4 = ipv4("192.0.2.1");
-    AddressMessage message6 = ipv6("2001:db8::1");
-    message4.flags = message6.flags = static_cast<std::uint8_t>(flags);
+    SCOPED_TRACE(flags);
     const bool isManaged = (flags & 0x80U) != 0 && (flags & 0x01U) == 0;
-    EXPECT_EQ(collect({message4}), plain) << "flags " << flags;
-    EXPECT_EQ(collect({message6}), isManaged ? onlyIPv6 : nothing) << "flags " << flags;
+    EXPECT_EQ(collect({with(&AddressMessage::flags, flags, ipv4())}), plainIPv4);
+    EXPECT_EQ(collect({with(&AddressMessage::flags, flags, ipv6())}),
+              isManaged ? plainIPv6 : nothing);
   }
 }
 
 TEST(AddressMessages, TheFlagsAttributeIsIgnored) {
-  AddressMessage kept = ipv6("2001:db8::1");
-  kept.attributes.push_back({IFA_FLAGS, {'\x01', 0, 0, 0}});  // temporary
-  AddressMessage dropped = ipv6("2001:db8::2");
-  dropped.flags = 0;
-  dropped.attributes.push_back({IFA_FLAGS, {'\x80', 0, 0, 0}});  // permanent
-  EXPECT_EQ(collect({kept, dropped}), onlyIPv6);
+  const Attribute temporary{IFA_FLAGS, {'\x01', 0, 0, 0}};
+  const Attribute permanent{IFA_FLAGS, {'\x80', 0, 0, 0}};
+  EXPECT_EQ(collect({with(temporary, ipv6()),
+                     with(&AddressMessage::flags, 0, with(permanent, ipv6("2001:db8::2")))}),
+            plainIPv6);
 }
 
 TEST(AddressMessages, OnlyUniverseScopeAndOnRequestHostScopeCount) {
-  for (int scope = 0; scope < 256; ++scope) {
-    for (AddressMessage message : {ipv4("192.0.2.1"), ipv6("2001:db8::1")}) {
-      message.scope = static_cast<std::uint8_t>(scope);
-      EXPECT_EQ(collect({message}, false).size(), scope == 0 ? 1U : 0U) << "scope " << scope;
-      EXPECT_EQ(collect({message}, true).size(), scope == 0 || scope == 254 ? 1U : 0U)
+  for (unsigned scope = 0; scope < 256; ++scope) {
+    for (const AddressMessage& message : {ipv4(), ipv6(), ipv4("127.0.0.1", "lo")}) {
+      const std::vector<AddressMessage> scoped{with(&AddressMessage::scope, scope, message)};
+      EXPECT_EQ(collect(scoped, false).size(), scope == 0 ? 1U : 0U) << "scope " << scope;
+      EXPECT_EQ(collect(scoped, true).size(), scope == 0 || scope == 254 ? 1U : 0U)
           << "scope " << scope;
     }
   }
 }
 
-TEST(AddressMessages, LoopbackIsRecognisedByItsScopeNotItsAddress) {
-  AddressMessage loopback = onInterface(3, ipv4("127.0.0.1", "lo"));
-  EXPECT_EQ(collect({loopback}), (AddressDump{{"lo", {.primaryIPv4 = {{"127.0.0.1", 24}}}}}));
-
-  loopback.scope = RT_SCOPE_HOST;
-  EXPECT_EQ(collect({loopback}), nothing);
-}
-
 TEST(AddressMessages, ASkippedMessageDoesNotEndTheDatagram) {
-  AddressMessage linkLocal = ipv6("fe80::1");
-  linkLocal.scope = RT_SCOPE_LINK;
-  EXPECT_EQ(collect({linkLocal, {.family = AF_UNIX}, {}, ipv4("192.0.2.1")}), plain);
+  const AddressMessage linkLocal = with(&AddressMessage::scope, RT_SCOPE_LINK, ipv6("fe80::1"));
+  EXPECT_EQ(collect({linkLocal, {.family = AF_UNIX}, {}, ipv4()}), plainIPv4);
 }
 
 // --- the name of the interface ---
 
 TEST(AddressMessages, TheIndexNamesTheInterfaceNotTheLabel) {
-  EXPECT_EQ(collect({onInterface(2, ipv4("192.0.2.1", "eth0:1"))}),
-            (AddressDump{{"eth1", {.aliases = {{"1", {"192.0.2.1", 24}}}}}}));
-}
-
-TEST(AddressMessages, InterfacesComeInTheOrderOfTheirNames) {
-  const auto dump =
-      collect({onInterface(3, ipv4("192.0.2.3")), onInterface(2, ipv4("192.0.2.2")),
-               onInterface(1, ipv4("192.0.2.1")), onInterface(2, ipv6("2001:db8::2"))});
-  EXPECT_EQ(dump, (AddressDump{
-                      {"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}}}},
-                      {"eth1", {.primaryIPv4 = {{"192.0.2.2", 24}}, .ipv6 = {{"2001:db8::2", 64}}}},
-                      {"lo", {.primaryIPv4 = {{"192.0.2.3", 24}}}},
-                  }));
+  EXPECT_EQ(collect({onInterface(3, ipv4("192.0.2.3")), onInterface(2, ipv4("192.0.2.2", "eth0")),
+                     onInterface(1, ipv4()), onInterface(2, ipv6()),
+                     onInterface(2, ipv4("192.0.2.1", "eth0:1"))}),
+            (AddressDump{{"eth0", {.primaryIPv4 = {{"192.0.2.1", 24}}}},
+                         {"eth1",
+                          {.aliases = {{"1", {"192.0.2.1", 24}}},
+                           .primaryIPv4 = {{"192.0.2.2", 24}},
+                           .ipv6 = {{"2001:db8::1", 64}}}},
+                         {"lo", {.primaryIPv4 = {{"192.0.2.3", 24}}}}}));
 }
 
 TEST(AddressMessages, InterfacesAndAliasesComeInTheOrderOfUnsignedBytes) {
   const std::string datagram =
-      datagramOf({onInterface(1, ipv4("192.0.2.1", "e:\xff")),
-                  onInterface(1, ipv4("192.0.2.2", "e:a")), onInterface(2, ipv4("192.0.2.3"))});
+      datagramOf({onInterface(1, withLabel("e:\xff")), onInterface(1, withLabel("e:a")),
+                  onInterface(2, ipv4())});
   const auto dump = collect({datagram}, false, [](unsigned i) { return i == 1 ? "\xff" : "a"; });
   EXPECT_EQ(dump.begin()->first, "a");
   EXPECT_EQ(dump.at("\xff").aliases.begin()->first, "a");
 }
 
+using Indexes = std::vector<unsigned>;
+
 // Collects the datagrams and returns the indexes whose names were looked up.
-std::vector<unsigned> askedFor(const std::vector<std::string>& datagrams) {
-  std::vector<unsigned> asked;
-  collect(datagrams, false, [&asked](unsigned index) {
-    asked.push_back(index);
+Indexes lookedUp(const std::vector<std::string>& datagrams) {
+  Indexes indexes;
+  collect(datagrams, false, [&indexes](unsigned index) {
+    indexes.push_back(index);
     return "if" + std::to_string(index);
   });
-  return asked;
+  return indexes;
 }
 
 TEST(AddressMessages, TheNameIsLookedUpOncePerRunOfEqualIndexes) {
-  const std::vector<std::string> datagrams{
-      datagramOf({onInterface(7, ipv4("192.0.2.1")), onInterface(7, ipv6("2001:db8::1")),
-                  onInterface(8, ipv4("192.0.2.2")), onInterface(7, ipv4("192.0.2.3"))}),
-      datagramOf({onInterface(7, ipv4("192.0.2.4")), onInterface(9, ipv4("192.0.2.5"))})};
-  EXPECT_EQ(askedFor(datagrams), (std::vector<unsigned>{7, 8, 7, 9}));
-  EXPECT_EQ(askedFor({datagramOf({onInterface(0, ipv4("192.0.2.1"))})}), std::vector<unsigned>{0});
+  const std::string first = datagramOf({onInterface(7, ipv4()), onInterface(7, ipv6()),
+                                        onInterface(8, ipv4()), onInterface(7, ipv4())});
+  const std::string second = datagramOf({onInterface(7, ipv4()), onInterface(9, ipv4())});
+  EXPECT_EQ(lookedUp({first, second}), (Indexes{7, 8, 7, 9}));
+  EXPECT_EQ(lookedUp({datagramOf({onInterface(0, ipv4())})}), Indexes{0});
 }
 
 TEST(AddressMessages, TheNameOfAnUnmanagedAddressIsNotLookedUp) {
-  AddressMessage otherFamily = ipv4("192.0.2.1");
-  otherFamily.family = AF_UNIX;
-  AddressMessage otherScope = ipv4("192.0.2.1");
-  otherScope.scope = RT_SCOPE_LINK;
-  AddressMessage autoconfigured = ipv6("2001:db8::1");
-  autoconfigured.flags = 0;
-  EXPECT_EQ(askedFor({datagramOf({otherFamily, otherScope, autoconfigured})}),
-            std::vector<unsigned>{});
+  EXPECT_EQ(lookedUp({datagramOf({with(&AddressMessage::family, AF_UNIX, ipv4()),
+                                  with(&AddressMessage::scope, RT_SCOPE_LINK, ipv4()),
+                                  with(&AddressMessage::flags, 0, ipv6())})}),
+            Indexes{});
 }
 
 TEST(AddressMessages, AFailedNameLookupIsPassedOn) {
-  AddressMessage withoutAddress = ipv4("192.0.2.1");
-  withoutAddress.attributes.clear();
-  AddressMessage badAttribute = ipv4("192.0.2.1");
+  AddressMessage badAttribute = ipv4();
   badAttribute.attributes.front().claimedLength = 0;
   // Even if its attributes are malformed or its address would be skipped.
-  for (const AddressMessage& message :
-       {ipv4("192.0.2.1"), ipv6("2001:db8::1"), ipv6("::2"), withoutAddress, badAttribute}) {
+  for (const AddressMessage& message : {ipv4(), ipv6(), ipv6("::2"), {}, badAttribute}) {
     EXPECT_EQ(failureOf([&] { collect({onInterface(99, message)}); }), "no interface 99");
   }
 }
@@ -200,68 +172,61 @@ TEST(AddressMessages, AFailedNameLookupIsPassedOn) {
 // --- the address ---
 
 TEST(AddressMessages, TheLocalAddressOfAPointToPointLinkCounts) {
-  const AddressMessage peer4{
-      .prefixLength = 32,
-      .attributes = {addressAttribute("192.0.2.2"), localAttribute("192.0.2.1")}};
+  const AddressMessage peer4 = having({addressAttribute("192.0.2.2"), localAttribute("192.0.2.1")});
   const AddressMessage peer6{
       .family = AF_INET6,
       .prefixLength = 128,
       .attributes = {localAttribute("2001:db8::1"), addressAttribute("2001:db8::2")}};
-  EXPECT_EQ(collect({peer4, peer6}),
+  EXPECT_EQ(collect({with(&AddressMessage::prefixLength, 32, peer4), peer6}),
             eth0With({.primaryIPv4 = {{"192.0.2.1", 32}}, .ipv6 = {{"2001:db8::1", 128}}}));
 }
 
 TEST(AddressMessages, OnlyAMessageWithAnAddressAttributeCounts) {
-  EXPECT_EQ(collect({{.attributes = {localAttribute("192.0.2.1"), labelAttribute("eth0")}},
+  EXPECT_EQ(collect({having({localAttribute("192.0.2.1"), labelAttribute("eth0")}),
                      {.family = AF_INET6, .attributes = {localAttribute("2001:db8::1")}},
                      {}}),
             nothing);
-  EXPECT_EQ(collect({{.attributes = {addressAttribute("192.0.2.1")}}}), plain);
+  EXPECT_EQ(collect({having({plainAttribute})}), plainIPv4);
 }
 
 TEST(AddressMessages, ALaterAttributeReplacesAnEarlierOneOfItsType) {
-  EXPECT_EQ(collect({{.attributes = {addressAttribute("192.0.2.1"), labelAttribute("eth0:1"),
-                                     addressAttribute("192.0.2.2"), labelAttribute("eth0:2")}}}),
-            eth0With({.aliases = {{"2", {"192.0.2.2", 24}}}}));
-  EXPECT_EQ(collect({{.attributes = {addressAttribute("192.0.2.1"), localAttribute("192.0.2.2"),
-                                     localAttribute("192.0.2.3"), labelAttribute("eth0:1"),
-                                     labelAttribute("")}}}),
-            eth0With({.primaryIPv4 = {{"192.0.2.3", 24}}}));
+  const Attribute two = addressAttribute("192.0.2.2");
+  EXPECT_EQ(
+      collect({having({two, labelAttribute("eth0:1"), plainAttribute, labelAttribute("eth0:2")})}),
+      alias("2"));
+  EXPECT_EQ(collect({having({two, localAttribute("192.0.2.3"), localAttribute("192.0.2.1"),
+                             labelAttribute("eth0:1"), labelAttribute("")})}),
+            plainIPv4);
   // Even an attribute without a payload.
-  EXPECT_EQ(collect({{.attributes = {addressAttribute("192.0.2.1"), labelAttribute("eth0:1"),
-                                     Attribute{IFA_LABEL, ""}}}}),
-            plain);
+  EXPECT_EQ(collect({having({plainAttribute, labelAttribute("eth0:1"), {IFA_LABEL, ""}})}),
+            plainIPv4);
 }
 
 TEST(AddressMessages, AttributesOfOtherTypesAreIgnored) {
   for (const int type : {0, 4, 5, 6, 7, 8, 9, 10, 11, 255, 0x0101, 0x0102, 0x0103, 0x4001, 0x8001,
                          0x8002, 0x8003, 0xFFFF}) {
     const Attribute other{static_cast<std::uint16_t>(type), "eth0:1 and more bytes"};
-    EXPECT_EQ(collect({{.attributes = {other, addressAttribute("192.0.2.1"), other}}}), plain)
-        << "type " << type;
+    EXPECT_EQ(collect({having({other, plainAttribute, other})}), plainIPv4) << "type " << type;
   }
 }
 
 TEST(AddressMessages, AnIPv6AddressIsWrittenAsInetNtopWritesIt) {
-  const std::vector<std::pair<std::string, std::string>> table{
-      {"2001:0DB8:0:0:0:0:0:0010", "2001:db8::10"},
-      {"2001:db8:0:1:0:0:0:1", "2001:db8:0:1::1"},
-      {"0:0:0:0:0:ffff:192.0.2.1", "::ffff:192.0.2.1"},
-      {"::", "::"},
-      {"FFFF:FFFF:FFFF:FFFF:FFFF:FFFF:FFFF:FFFF", "ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff"}};
-  for (const auto& [given, text] : table) {
+  for (const auto& [given, text] :
+       {std::pair("2001:0DB8:0:0:0:0:0:0010", "2001:db8::10"),
+        {"2001:db8:0:1:0:0:0:1", "2001:db8:0:1::1"},
+        {"0:0:0:0:0:ffff:192.0.2.1", "::ffff:192.0.2.1"},
+        {"::", "::"},
+        {"FFFF:FFFF:FFFF:FFFF:FFFF:FFFF:FFFF:FFFF", "ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff"}}) {
     EXPECT_EQ(collect({ipv6(given)}), eth0With({.ipv6 = {{text, 64}}}));
   }
 }
 
 TEST(AddressMessages, ThePrefixLengthIsNotChecked) {
-  for (const int length : {0, 1, 32, 64, 128, 255}) {
-    AddressMessage message4 = ipv4("192.0.2.1");
-    AddressMessage message6 = ipv6("2001:db8::1");
-    message4.prefixLength = message6.prefixLength = static_cast<std::uint8_t>(length);
-    const auto expected = static_cast<std::uint16_t>(length);
-    EXPECT_EQ(collect({message4, message6}), eth0With({.primaryIPv4 = {{"192.0.2.1", expected}},
-                                                       .ipv6 = {{"2001:db8::1", expected}}}));
+  for (const std::uint8_t length : std::vector<std::uint8_t>{0, 1, 32, 64, 128, 255}) {
+    EXPECT_EQ(
+        collect({with(&AddressMessage::prefixLength, length, ipv4()),
+                 with(&AddressMessage::prefixLength, length, ipv6())}),
+        eth0With({.primaryIPv4 = {{"192.0.2.1", length}}, .ipv6 = {{"2001:db8::1", length}}}));
   }
 }
 
@@ -269,40 +234,42 @@ TEST(AddressMessages, ThePrefixLengthIsNotChecked) {
 
 TEST(AddressMessages, ALabelWithoutAColonIsPlain) {
   for (const std::string label : {"eth0", "", "lo", "eth0.5", "1"}) {
-    EXPECT_EQ(collect({ipv4("192.0.2.1", label)}), plain) << "label " << label;
+    EXPECT_EQ(collect({withLabel(label)}), plainIPv4) << "label " << label;
   }
-  EXPECT_EQ(collect({{.attributes = {addressAttribute("192.0.2.1")}}}), plain) << "no label";
 }
 
 TEST(AddressMessages, TheSuffixIsTheTextAfterTheFirstColonOfTheLabel) {
-  const std::vector<std::pair<std::string, std::string>> table{
-      {"eth0:1", "1"}, {"eth0:web:2", "web:2"}, {"eth0:", ""},
-      {":1", "1"},     {"eth1:5", "5"},         {"eth0::", ":"}};
-  for (const auto& [label, suffix] : table) {
-    EXPECT_EQ(collect({ipv4("192.0.2.1", label)}), alias(suffix)) << "label " << label;
+  for (const auto& [label, suffix] : {std::pair("eth0:1", "1"),
+                                      {"eth0:web:2", "web:2"},
+                                      {"eth0:", ""},
+                                      {":1", "1"},
+                                      {"eth1:5", "5"},
+                                      {"eth0::", ":"}}) {
+    EXPECT_EQ(collect({withLabel(label)}), alias(suffix)) << "label " << label;
   }
 }
 
 TEST(AddressMessages, ALabelEndsAtItsNulOrAtTheEndOfItsAttribute) {
   const std::vector<std::pair<std::string, AddressDump>> table{
       {{'e', ':', '1', '\0', '2'}, alias("1")},
-      {{'e', '\0', ':', '1', '\0'}, plain},
+      {{'e', '\0', ':', '1', '\0'}, plainIPv4},
       {"e:12", alias("12")},
       {"e:123", alias("123")},
-      {"", plain}};
+      {"", plainIPv4}};
   for (const auto& [payload, expected] : table) {
     const Attribute label{IFA_LABEL, payload};
-    EXPECT_EQ(collect({{.attributes = {addressAttribute("192.0.2.1"), label}}}), expected);
-    EXPECT_EQ(collect({{.attributes = {label, addressAttribute("192.0.2.1")}}}), expected);
+    EXPECT_EQ(collect({having({plainAttribute, label})}), expected);
+    EXPECT_EQ(collect({having({label, plainAttribute})}), expected);
   }
 }
 
 TEST(AddressMessages, AliasesAreSortedPerInterfaceInWhateverOrderTheyCome) {
   std::vector<std::string> suffixes{"1", "10", "2", "3", "web"};
   AddressDump expected;
-  for (std::size_t n = 0; n < suffixes.size(); ++n) {
-    expected["eth0"].aliases[suffixes[n]] = {"192.0.2." + std::to_string(n), 24};
-    expected["eth1"].aliases[suffixes[n]] = {"198.51.100." + std::to_string(n), 24};
+  for (const std::string& suffix : suffixes) {
+    const auto octet = std::to_string(expected["eth0"].aliases.size());
+    expected["eth0"].aliases[suffix] = {"192.0.2." + octet, 24};
+    expected["eth1"].aliases[suffix] = {"198.51.100." + octet, 24};
   }
   int orders = 0;
   do {
@@ -320,26 +287,23 @@ TEST(AddressMessages, AliasesAreSortedPerInterfaceInWhateverOrderTheyCome) {
 }
 
 TEST(AddressMessages, TheFirstOfTwoAddressesWithOneSuffixIsKept) {
-  const std::string first = datagramOf({ipv4("192.0.2.1", "eth0:1"), ipv4("192.0.2.2", "eth0:1")});
+  const std::string first = datagramOf({withLabel("eth0:1"), ipv4("192.0.2.2", "eth0:1")});
   const std::string second = datagramOf({ipv4("192.0.2.3", "eth0:1")});
   EXPECT_EQ(collect({first, second}), alias("1"));
 }
 
 TEST(AddressMessages, PlainAndIPv6AddressesKeepTheOrderOfTheKernel) {
-  EXPECT_EQ(
-      collect({ipv4("192.0.2.9"), ipv6("2001:db8::9"), ipv4("192.0.2.5", "eth0:5"),
-               ipv6("2001:db8::1"), ipv4("192.0.2.1"), ipv4("192.0.2.9"), ipv6("2001:db8::9")}),
-      eth0With({.aliases = {{"5", {"192.0.2.5", 24}}},
-                .primaryIPv4 = {{"192.0.2.9", 24}, {"192.0.2.1", 24}, {"192.0.2.9", 24}},
-                .ipv6 = {{"2001:db8::9", 64}, {"2001:db8::1", 64}, {"2001:db8::9", 64}}}));
+  EXPECT_EQ(collect({ipv4("192.0.2.9"), ipv6("2001:db8::9"), ipv4("192.0.2.5", "eth0:5"), ipv6(),
+                     ipv4(), ipv4("192.0.2.9"), ipv6("2001:db8::9")}),
+            eth0With({.aliases = {{"5", {"192.0.2.5", 24}}},
+                      .primaryIPv4 = {{"192.0.2.9", 24}, {"192.0.2.1", 24}, {"192.0.2.9", 24}},
+                      .ipv6 = {{"2001:db8::9", 64}, {"2001:db8::1", 64}, {"2001:db8::9", 64}}}));
 }
 
 // --- IPv6 ---
 
 TEST(AddressMessages, TheLabelOfAnIPv6AddressIsIgnored) {
-  AddressMessage message = ipv6("2001:db8::1");
-  message.attributes.push_back(labelAttribute("eth0:1"));
-  EXPECT_EQ(collect({message}), onlyIPv6);
+  EXPECT_EQ(collect({with(labelAttribute("eth0:1"), ipv6())}), plainIPv6);
 }
 
 TEST(AddressMessages, TheAddressColonColonTwoIsNeverManaged) {
@@ -347,62 +311,195 @@ TEST(AddressMessages, TheAddressColonColonTwoIsNeverManaged) {
   EXPECT_EQ(collect({ipv6("::3"), ipv6("::2"), ipv6("::1:0:0:2"), ipv6("2::2"), ipv6("::22")}),
             eth0With({.ipv6 = {{"::3", 64}, {"::1:0:0:2", 64}, {"2::2", 64}, {"::22", 64}}}));
   // The local address of a point-to-point link decides.
-  AddressMessage own = ipv6("2001:db8::1");
-  own.attributes.push_back(localAttribute("::2"));
-  AddressMessage peer = ipv6("::2");
-  peer.attributes.push_back(localAttribute("2001:db8::1"));
-  EXPECT_EQ(collect({own, peer}), onlyIPv6);
+  EXPECT_EQ(collect({with(localAttribute("::2"), ipv6()),
+                     with(localAttribute("2001:db8::1"), ipv6("::2"))}),
+            plainIPv6);
 }
 
 TEST(AddressMessages, AddressesAreAddedToWhatTheDumpHolds) {
-  AddressDump dump =
-      eth0With({.aliases = {{"1", {"198.51.100.1", 32}}}, .primaryIPv4 = {{"198.51.100.2", 32}}});
+  AddressDump dump = alias("1");
+  dump["eth0"].primaryIPv4 = {{"198.51.100.2", 32}};
   AddressCollector collector(dump, false, nameOfInterface);
-  const ExactBytes datagram(datagramOf({ipv4("192.0.2.1", "eth0:1"), ipv4("192.0.2.2")}));
+  const ExactBytes datagram(datagramOf({ipv4("192.0.2.3", "eth0:1"), ipv4()}));
   collector.collect(datagram.span());
-  EXPECT_EQ(dump, eth0With({.aliases = {{"1", {"198.51.100.1", 32}}},
-                            .primaryIPv4 = {{"198.51.100.2", 32}, {"192.0.2.2", 24}}}));
+  EXPECT_EQ(dump, eth0With({.aliases = {{"1", {"192.0.2.1", 24}}},
+                            .primaryIPv4 = {{"198.51.100.2", 32}, {"192.0.2.1", 24}}}));
 }
 
 // --- the datagram as a whole ---
 
+DatagramKind kindOf(const std::string& datagram) {
+  return classifyDatagram(ExactBytes(datagram).span());
+}
+
 TEST(ClassifyDatagram, DependsOnTheFirstMessageOnly) {
-  const std::string address = datagramOf({ipv4("192.0.2.1", "eth0:12")});
   const std::string done = headerOnly(16, NLMSG_DONE);
   const std::string error = headerOnly(16, NLMSG_ERROR);
-  const std::vector<std::pair<std::string, DatagramKind>> table{
-      {address, DatagramKind::Addresses},
-      {address + done, DatagramKind::Addresses},
-      {address + error, DatagramKind::Addresses},
-      {done, DatagramKind::EndOfDump},
-      {done + address, DatagramKind::EndOfDump},
-      {done + error, DatagramKind::EndOfDump},
-      {error, DatagramKind::Malformed},
-      {error + address, DatagramKind::Malformed},
-      {headerOnly(16, NLMSG_NOOP), DatagramKind::Addresses},
-      {headerOnly(16, 0xFFFF), DatagramKind::Addresses},
-  };
-  for (const auto& [bytes, kind] : table) {
-    const ExactBytes datagram(bytes);
-    EXPECT_EQ(classifyDatagram(datagram.span()), kind);
+  const std::string address = datagramOf({withLabel("eth0:12")});
+  for (const std::string& rest : {std::string(), address, done, error}) {
+    EXPECT_EQ(kindOf(done + rest), DatagramKind::EndOfDump);
+    EXPECT_EQ(kindOf(error + rest), DatagramKind::Malformed);
+    for (const std::string& first : {address, headerOnly(16, NLMSG_NOOP), headerOnly(16, 0xFFFF)}) {
+      EXPECT_EQ(kindOf(first + rest), DatagramKind::Addresses);
+    }
   }
 }
 
 TEST(ClassifyDatagram, AnImpossibleFirstLengthIsMalformed) {
-  const auto isMalformed = [](const std::string& bytes) {
-    return classifyDatagram(ExactBytes(bytes).span()) == DatagramKind::Malformed;
-  };
-  for (const std::uint16_t type : {std::uint16_t{RTM_NEWADDR}, std::uint16_t{NLMSG_DONE}}) {
-    const std::string whole = headerOnly(16, type);
-    for (std::size_t size = 0; size < whole.size(); ++size) {
-      EXPECT_TRUE(isMalformed(whole.substr(0, size))) << size << " bytes";
+  for (const std::uint16_t type : std::vector<std::uint16_t>{RTM_NEWADDR, NLMSG_DONE}) {
+    for (std::size_t size = 0; size < 16; ++size) {
+      EXPECT_EQ(kindOf(headerOnly(16, type).substr(0, size)), DatagramKind::Malformed) << size;
     }
     for (const std::uint32_t length :
          {0U, 1U, 15U, 16U, 17U, 20U, 21U, 0x7FFFFFFFU, 0x80000010U, 0xFFFFFFFDU, 0xFFFFFFFFU}) {
-      EXPECT_EQ(isMalformed(headerOnly(length, type) + "four"), length < 16 || length > 20)
+      EXPECT_EQ(kindOf(headerOnly(length, type) + "four") == DatagramKind::Malformed,
+                length < 16 || length > 20)
           << "length " << length;
     }
   }
+}
+
+// --- datagrams with wrong lengths ---
+
+// Each is in heap memory of exactly its size, so the address sanitizer finds every read beyond its
+// end.
+const AddressMessage otherMessage = having({addressAttribute("192.0.2.9")});
+
+const AddressDump otherIPv4 = eth0With({.primaryIPv4 = {{"192.0.2.9", 24}}});
+const AddressDump plainAndOther = eth0With({.primaryIPv4 = {{"192.0.2.1", 24}, {"192.0.2.9", 24}}});
+
+TEST(MessageBounds, AMessageTooShortForItsHeadersIsSkippedAndTheNextIsRead) {
+  const std::string headers = datagramOf({{}});
+  ASSERT_EQ(headers.size(), 24U);
+  for (std::uint32_t length = 16; length < 24; ++length) {
+    const std::string cut = headerOnly(length, RTM_NEWADDR) + headers.substr(16, length - 16);
+    EXPECT_EQ(collect({cut}), nothing) << length << " bytes";
+
+    const std::string padding((4 - length % 4) % 4, '\0');
+    EXPECT_EQ(collect({cut + padding + datagramOf({otherMessage})}), otherIPv4)
+        << length << " bytes";
+  }
+}
+
+TEST(MessageBounds, AnImpossibleLengthEndsTheDatagram) {
+  const std::string rest = datagramOf({otherMessage});
+  const auto tooLong = static_cast<std::uint32_t>(16 + rest.size() + 1);
+  for (const std::uint32_t length : {0U, 1U, 15U, tooLong, 8192U, 0x7FFFFFFFU, 0x80000000U,
+                                     0xFFFFFFFCU, 0xFFFFFFFDU, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
+    EXPECT_EQ(
+        collect({datagramOf({having({plainAttribute})}) + headerOnly(length, RTM_NEWADDR) + rest}),
+        plainIPv4)
+        << "length " << length;
+  }
+}
+
+TEST(MessageBounds, TheNextMessageBeginsAtAMultipleOfFour) {
+  for (const std::string label : {"eth0", "eth01", "eth012", "eth0123"}) {
+    EXPECT_EQ(collect({having({plainAttribute, labelAttribute(label)}), otherMessage}),
+              plainAndOther);
+  }
+}
+
+TEST(MessageBounds, PaddingMayBeMissingAtTheEndOfTheDatagram) {
+  const std::string datagram = datagramOf({ipv4()});
+  ASSERT_EQ(datagram.size() % 4, 1U);
+  for (std::size_t padding = 0; padding <= 3; ++padding) {
+    EXPECT_EQ(collect({datagram + std::string(padding, '\0')}), plainIPv4)
+        << padding << " bytes of padding";
+  }
+}
+
+TEST(MessageBounds, AMessageEndsWhereItsLengthSays) {
+  // All bytes are in the datagram. Those after the end of the message are another message.
+  AddressMessage message =
+      having({plainAttribute, localAttribute("192.0.2.9"), labelAttribute("eth0:1")});
+  const AddressDump asAlias = eth0With({.aliases = {{"1", {"192.0.2.9", 24}}}});
+  for (std::uint32_t length = 24; length <= 51; ++length) {
+    message.claimedLength = length;
+    EXPECT_EQ(collect({message}), length < 32   ? nothing
+                                  : length < 40 ? plainIPv4
+                                  : length < 51 ? otherIPv4
+                                                : asAlias)
+        << "length " << length;
+  }
+}
+
+TEST(AttributeBounds, AnImpossibleLengthEndsTheAttributes) {
+  // The header of the bad attribute is followed by 4 bytes of its own and 8 of the next.
+  const Attribute nextAddress = addressAttribute("192.0.2.2");
+  for (const int length : {0, 1, 2, 3, 17, 0x7FFF, 0x8000, 0xFFFC, 0xFFFD, 0xFFFE, 0xFFFF}) {
+    const Attribute bad{IFA_LABEL, "eth0", static_cast<std::uint16_t>(length)};
+    EXPECT_EQ(collect({having({bad, nextAddress}), otherMessage}), otherIPv4)
+        << "length " << length;
+    EXPECT_EQ(collect({having({plainAttribute, bad, nextAddress}), otherMessage}), plainAndOther)
+        << "length " << length;
+  }
+}
+
+TEST(AttributeBounds, TheNextAttributeBeginsAtAMultipleOfFourAndTheLastNeedsNoPadding) {
+  for (std::size_t size = 0; size < 9; ++size) {
+    const Attribute other{IFA_CACHEINFO, std::string(size, 'x')};
+    EXPECT_EQ(collect({having({other, plainAttribute})}), plainIPv4) << size << " bytes";
+    EXPECT_EQ(collect({having({plainAttribute, other})}), plainIPv4) << size << " bytes";
+  }
+}
+
+TEST(AttributeBounds, BytesTooFewForAHeaderAfterTheLastAttributeAreIgnored) {
+  for (std::uint32_t size = 1; size < 4; ++size) {
+    AddressMessage message = otherMessage;
+    message.claimedLength = 32 + size;
+    EXPECT_EQ(collect({datagramOf({message}) + std::string(size, '\4')}), otherIPv4)
+        << size << " bytes";
+  }
+}
+
+TEST(AttributeBounds, AnAttributeTooShortForAnAddressIsIgnored) {
+  for (const AddressMessage& whole : {having({plainAttribute}), ipv6()}) {
+    const std::string bytes = whole.attributes.front().payload;
+    for (std::size_t size = 0; size < bytes.size(); ++size) {
+      AddressMessage cut = whole;
+      cut.attributes = {{IFA_ADDRESS, bytes.substr(0, size)}};
+      EXPECT_EQ(collect({cut}), nothing) << size << " bytes";
+      cut.attributes = {whole.attributes.front(), {IFA_LOCAL, bytes.substr(0, size)}};
+      EXPECT_EQ(collect({cut}), collect({whole})) << size << " bytes";
+    }
+  }
+}
+
+TEST(AttributeBounds, TheFirstBytesOfALongAttributeAreTheAddress) {
+  const Attribute longAddress{IFA_ADDRESS, addressBytes("192.0.2.7") + "more"};
+  const Attribute longLocal{IFA_LOCAL, addressBytes("192.0.2.1") + "other bytes"};
+  EXPECT_EQ(collect({having({longAddress, longLocal})}), plainIPv4);
+}
+
+TEST(RandomBytes, AreReadWithinBoundsAndYieldOnlyAddresses) {
+  const std::string whole = datagramOf({ipv4(),
+                                        having({labelAttribute("eth0:web:2"),
+                                                addressAttribute("198.51.100.7"),
+                                                localAttribute("198.51.100.8"),
+                                                {IFA_CACHEINFO, std::string(16, '\xFF')}}),
+                                        ipv6(), otherMessage});
+  const auto anyInterface = [](unsigned index) { return "if" + std::to_string(index % 5); };
+  std::mt19937 random(20250801);
+  int found = 0;
+  for (int round = 0; round < 15000; ++round) {
+    std::string bytes = whole.substr(0, random() % (whole.size() + 1));
+    for (auto changes = random() % 5; changes > 0 && !bytes.empty(); --changes) {
+      bytes.at(random() % bytes.size()) = static_cast<char>(random());
+    }
+    classifyDatagram(ExactBytes(bytes).span());
+    for (const auto& [name, interface] : collect({bytes}, round % 2 == 0, anyInterface)) {
+      EXPECT_NE(interface, InterfaceAddresses{}) << name;
+      std::vector<AddressRecord> records = interface.primaryIPv4;
+      records.insert(records.end(), interface.ipv6.begin(), interface.ipv6.end());
+      for (const auto& [suffix, record] : interface.aliases) records.push_back(record);
+      for (const AddressRecord& record : records) {
+        EXPECT_NO_THROW(addressBytes(record.address));
+        ++found;
+      }
+    }
+  }
+  EXPECT_GT(found, 15000);
 }
 
 }  // namespace

@@ -8,18 +8,12 @@
 #include <array>
 #include <bit>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <map>
-#include <string>
-#include <vector>
 
-#include "inventory/address_messages.h"
 #include "support/collect.h"
 #include "support/files.h"
-#include "support/netlink_bytes.h"
 
 namespace addrtool::testing {
 namespace {
@@ -66,13 +60,11 @@ void makeBigEndian(std::string& datagram) {
 }
 
 std::vector<std::string> recordedDatagrams(const std::string& scene) {
-  const std::filesystem::path data = ADDRTOOL_DATA_DIR;
   std::vector<std::string> datagrams;
-  while (exists(data / (scene + '.' + std::to_string(datagrams.size())))) {
-    datagrams.push_back(readFile(data / (scene + '.' + std::to_string(datagrams.size()))));
-  }
-  if (std::endian::native == std::endian::big) {
-    std::for_each(datagrams.begin(), datagrams.end(), makeBigEndian);
+  for (std::string path;
+       fs::exists(path = ADDRTOOL_DATA_DIR "/" + scene + '.' + std::to_string(datagrams.size()));) {
+    datagrams.push_back(readFile(path));
+    if (std::endian::native == std::endian::big) makeBigEndian(datagrams.back());
   }
   return datagrams;
 }
@@ -152,36 +144,24 @@ TEST(RecordedDumps, ManyAddressesFillSeveralDatagrams) {
   EXPECT_EQ(replay("many"), (AddressDump{{"eth0", eth0}}));
 }
 
-// The offset of the first message and the end of each message.
-std::vector<std::size_t> messageEnds(const std::string& datagram) {
-  std::vector<std::size_t> ends{0};
-  while (ends.back() < datagram.size()) {
-    nlmsghdr header{};
-    std::memcpy(&header, datagram.data() + ends.back(), sizeof(header));
-    ends.push_back(ends.back() + header.nlmsg_len);
-  }
-  return ends;
-}
-
 TEST(RecordedDumps, TruncatedDumpsYieldTheirWholeMessages) {
   for (const std::string scene : {"fresh", "varied"}) {
     for (const std::string& datagram : recordedDatagrams(scene)) {
-      const auto ends = messageEnds(datagram);
-      ASSERT_EQ(ends.back(), datagram.size());
-      std::size_t whole = 0;
       AddressDump expected;
-      for (std::size_t length = 0; length <= datagram.size(); ++length) {
-        if (whole + 1 < ends.size() && length == ends.at(whole + 1)) {
-          ++whole;
-          const std::string last =
-              datagram.substr(ends.at(whole - 1), ends.at(whole) - ends.at(whole - 1));
-          AddressCollector collector(expected, true, nameInScene);
-          collector.collect(ExactBytes(last).span());
+      std::size_t begin = 0;
+      while (begin < datagram.size()) {
+        nlmsghdr header{};
+        std::memcpy(&header, datagram.data() + begin, sizeof(header));
+        for (std::size_t size = begin; size < begin + header.nlmsg_len; ++size) {
+          ASSERT_EQ(collect({datagram.substr(0, size)}, true, nameInScene), expected)
+              << scene << " cut at " << size;
         }
-        ASSERT_EQ(collect({datagram.substr(0, length)}, true, nameInScene), expected)
-            << scene << " cut at " << length;
+        const ExactBytes message(datagram.substr(begin, header.nlmsg_len));
+        AddressCollector(expected, true, nameInScene).collect(message.span());
+        begin += header.nlmsg_len;
       }
-      EXPECT_EQ(whole, ends.size() - 1);
+      EXPECT_EQ(collect({datagram}, true, nameInScene), expected) << scene;
+      EXPECT_EQ(begin, datagram.size());
     }
   }
 }
