@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -14,18 +15,8 @@ AliasMap aliasesWith(const std::vector<std::string>& suffixes) {
   return aliases;
 }
 
-AliasMap aliasesUpTo(unsigned last) {
-  AliasMap aliases;
-  for (unsigned number = 1; number <= last; ++number) aliases[std::to_string(number)] = {};
-  return aliases;
-}
-
 TEST(AliasNumber, IsTheLowestFreeOne) {
-  struct Row {
-    std::vector<std::string> taken;
-    std::string free;
-  };
-  const std::vector<Row> rows{
+  const std::map<std::vector<std::string>, std::string> table{
       {{}, "1"},
       {{"1"}, "2"},
       {{"2"}, "1"},
@@ -33,9 +24,8 @@ TEST(AliasNumber, IsTheLowestFreeOne) {
       {{"1", "2", "4"}, "3"},
       {{"0"}, "1"},
       {{"1", "2", "3", "4", "5", "6", "7", "8", "9"}, "10"},
-      {{"1", "65535"}, "2"},
-  };
-  for (const auto& [taken, free] : rows) {
+      {{"1", "65535"}, "2"}};
+  for (const auto& [taken, free] : table) {
     EXPECT_EQ(lowestFreeAliasNumber(aliasesWith(taken)), free) << ::testing::PrintToString(taken);
   }
 }
@@ -46,14 +36,13 @@ TEST(AliasNumber, IsTakenOnlyByExactlyItsText) {
   }
 }
 
-TEST(AliasNumber, GoesUpTo65535) {
-  for (const unsigned taken : {9U, 99U, 999U, 9999U, 65534U}) {
-    EXPECT_EQ(lowestFreeAliasNumber(aliasesUpTo(taken)), std::to_string(taken + 1));
+TEST(AliasNumber, GoesUpTo65535AndIsEmptyWhenAllAreTaken) {
+  AliasMap aliases;
+  for (const auto& [last, free] : std::map<unsigned, std::string>{
+           {9, "10"}, {99, "100"}, {999, "1000"}, {9999, "10000"}, {65534, "65535"}, {65535, ""}}) {
+    while (aliases.size() < last) aliases[std::to_string(aliases.size() + 1)] = {};
+    EXPECT_EQ(lowestFreeAliasNumber(aliases), free);
   }
-}
-
-TEST(AliasNumber, IsEmptyWhenAllAreTaken) {
-  EXPECT_EQ(lowestFreeAliasNumber(aliasesUpTo(65535)), "");
 }
 
 }  // namespace
