@@ -1,12 +1,13 @@
-"""The addresses and files of the sandbox that the fault tests change."""
+"""What the scripts that change the sandbox share: its addresses, its files, and their checks."""
 
+import argparse
 import pathlib
 import re
 import subprocess
 import sys
 
 SCRIPTS = pathlib.Path("/etc/sysconfig/network-scripts")
-TEMPORARY_FILE = re.compile(r"ifcfg-.*\.[A-Za-z0-9]{6}")
+failures = []  # what did not hold
 
 
 def require_sandbox():
@@ -17,6 +18,24 @@ def require_sandbox():
             f"{sys.argv[0]} changes addresses and system files, so it runs only in a sandbox:\n"
             f"  scripts/sandbox {sys.argv[0]} ..."
         )
+
+
+def parse_options(description, **defaults):
+    """Returns the options of the command line, which have the types of their defaults. Ends the
+    script outside a sandbox."""
+    parser = argparse.ArgumentParser(description=description.splitlines()[0])
+    for name, default in defaults.items():
+        option = "--" + name.replace("_", "-")
+        parser.add_argument(option, type=type(default), default=default, help=f"default: {default}")
+    options = parser.parse_args()
+    require_sandbox()
+    return options
+
+
+def require(holds, complaint):
+    if not holds:
+        failures.append(complaint)
+        print(f"FAILED {complaint}")
 
 
 def ip(lines):
@@ -30,17 +49,9 @@ def set_addresses(addresses):
 
 
 def shown_addresses():
-    """The lines of ip(8) about the global addresses of eth0."""
-    return subprocess.run(
-        ["ip", "-o", "address", "show", "dev", "eth0", "scope", "global"],
-        capture_output=True,
-        text=True,
-        check=True,
-    ).stdout.splitlines()
-
-
-def path_of(label):
-    return SCRIPTS / f"ifcfg-{label}"
+    """What ip(8) shows of the global addresses of eth0, each on one line."""
+    command = ["ip", "-o", "address", "show", "dev", "eth0", "scope", "global"]
+    return subprocess.run(command, capture_output=True, text=True, check=True).stdout
 
 
 def alias_text(label, address, netmask="255.255.255.0"):
@@ -53,9 +64,15 @@ def list_line(addresses):
     return f'IPV6ADDR_SECONDARIES="{joined}"\n' if joined else ""
 
 
-def remove_files():
+def write_files(texts):
+    """Leaves exactly these files. Each is renamed into place, so no reader sees a part of it."""
     for path in SCRIPTS.iterdir():
-        path.unlink()
+        if path.name not in texts:
+            path.unlink()
+    for name, text in texts.items():
+        new = SCRIPTS.parent / "new"
+        new.write_text(text)
+        new.rename(SCRIPTS / name)
 
 
 def read_files():
@@ -70,4 +87,4 @@ def read_files():
 
 
 def is_temporary(name):
-    return TEMPORARY_FILE.fullmatch(name) is not None
+    return re.fullmatch(r"ifcfg-.*\.[A-Za-z0-9]{6}", name) is not None
