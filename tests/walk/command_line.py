@@ -2,14 +2,7 @@
 
 import dataclasses
 
-LONG_OPTIONS = {
-    "list": "l",
-    "add": "a",
-    "del": "d",
-    "qv-assigned-ip": "v",
-    "help": "h",
-    "main": "m",
-}
+LONG_OPTIONS = dict(zip("list add del qv-assigned-ip help main".split(), "ladvhm"))
 TAKES_ARGUMENT = "adv"
 SHORT_OPTIONS = "ladvh"
 

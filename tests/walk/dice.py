@@ -3,7 +3,8 @@
 import random
 
 from kernel_model import GLOBAL_SCOPE, HOST_SCOPE, LINK_SCOPE, device_of
-from model import is_temporary, is_too_long
+from machine import is_temporary
+from model import is_too_long
 
 NAMES = """eth0 eth1 eth10 br0 Zeta été eth0.100 wlp2s0f0u1i2 enp193s0f1np1 br-0a1b2c3d4e5
     enx001122334455""".split()  # of up to 15 bytes
@@ -25,21 +26,15 @@ PREFIX_LENGTHS = ["64"] * 12 + ["0", "128", "48", "+64", " 64", "64 ", "0064"]
 BAD_PREFIX_LENGTHS = ["129", "65535", "65536", "-1", "x", "", "64x", "0x40"]
 SUFFIXES = ["web", "01", "1a", "a", "99", "65535", "0", "-1", "2", "3", "5", "10", "Z", "é"]
 MODES = [0o644] * 5 + [0o600, 0o400, 0o444, 0o755, 0o4755, 0]
-FOREIGN_LINES = [
-    "DEVICE=eth0\n",
-    "# a comment\n",
-    "\n",
-    "ONBOOT=yes\n",
-    "IPV6INIT=yes\n",
-    "NOTE='a \"quoted\" text'\n",
-    "IPV6ADDR_EXTRA=2001:db8::1/64\n",
-    "  IPV6ADDR=2001:db8::2/64\n",
-    "no assignment\n",
-    "last\r\n",
-    "NAME=é\n",
-]
+FOREIGN_LINES = ["DEVICE=eth0\n", "# a comment\n", "\n", "ONBOOT=yes\n", "IPV6INIT=yes\n"]
+FOREIGN_LINES += ["NOTE='a \"quoted\" text'\n", "IPV6ADDR_EXTRA=2001:db8::1/64\n"]
+FOREIGN_LINES += ["  IPV6ADDR=2001:db8::2/64\n", "no assignment\n", "last\r\n", "NAME=é\n"]
+ODD_ENTRIES = '2001:db8::7 zz/64 /64 ::3/ ::3/65536 ::3/x ::3/64/3 "::3/64 # =::3/1'.split()
 TARGET = "elsewhere"  # of all symbolic links
 DIRECTORY_STATES = ["writable", "writable", "read-only", "missing"]
+DISTURBANCES = """main alias alias ipv6 up up rename file file alias_file remove directory writable
+    writable mkdir symlink target suse promote veinfo configuration""".split()
+RUNS = ["list"] * 2 + ["add"] * 4 + ["delete"] * 4 + ["check", "several", "several", "mistaken"]
 BAD_OPTIONS = ["-x", "--nonsense", "--list=3", "--helper", "-", "--", "--main", "--m", "-lz"]
 
 
@@ -125,14 +120,8 @@ class Dice:
         return self.one([GLOBAL_SCOPE] * 20 + [LINK_SCOPE, HOST_SCOPE])
 
     def main_address(self, name):
-        return [
-            "address",
-            name,
-            self.new_ipv4(MAIN_NETWORKS),
-            self.one(PREFIXES),
-            self.scope(),
-            name,
-        ]
+        ip = self.new_ipv4(MAIN_NETWORKS)
+        return ["address", name, ip, self.one(PREFIXES), self.scope(), name]
 
     def alias(self, name):
         suffix = self.one(SUFFIXES) if self.chance(0.5) else str(self.random.randint(1, 12))
@@ -147,17 +136,13 @@ class Dice:
         for _ in range(self.one([0, 1, 1, 1, 2])):
             lines.insert(self.random.randint(0, len(lines)), self.assignment("IPV6ADDR", 1, known))
         for _ in range(self.one([0, 1, 1, 1, 1, 2])):
-            lines.insert(
-                self.random.randint(0, len(lines)),
-                self.assignment("IPV6ADDR_SECONDARIES", self.list_length(), known),
-            )
+            place = self.random.randint(0, len(lines))
+            count = 600 if self.chance(0.02) else self.random.randint(0, 4)
+            lines.insert(place, self.assignment("IPV6ADDR_SECONDARIES", count, known))
         text = "".join(lines)
         if self.chance(0.1):
             text = text.rstrip("\n")
         return ["file", f"ifcfg-{label}", text, self.one(MODES), self.one(self.owners)]
-
-    def list_length(self):
-        return 600 if self.chance(0.02) else self.random.randint(0, 4)
 
     def assignment(self, key, count, known):
         """A line of an interface's file; a few have odd blanks, keys and entries."""
@@ -169,23 +154,7 @@ class Dice:
             entries.append(ip + ("" if odd and self.chance(0.3) else length))
         quote = self.one(["", '"', '"', '"', "'"])
         if odd and self.chance(0.5):
-            entries.insert(
-                self.random.randint(0, len(entries)),
-                self.one(
-                    [
-                        "2001:db8::7",
-                        "zz/64",
-                        "/64",
-                        "::3/",
-                        "::3/65536",
-                        "::3/x",
-                        "::3/64/3",
-                        '"::3/64',
-                        "#",
-                        "=::3/1",
-                    ]
-                ),
-            )
+            entries.insert(self.random.randint(0, len(entries)), self.one(ODD_ENTRIES))
         space = self.one([" ", "  ", "\t"]) if odd else " "
         before, after = (self.one(["", " ", "\t", "\r"]) if odd else "" for _ in range(2))
         name = key
@@ -197,50 +166,21 @@ class Dice:
         """What somebody else changes between two runs."""
         name = self.one(name for name in world.kernel.links if name != "lo")
         file = self.one([file for file in world.files if not is_temporary(file)] or ["ifcfg-eth0"])
-        kind = self.one(
-            [
-                "main",
-                "alias",
-                "alias",
-                "ipv6",
-                "up",
-                "up",
-                "rename",
-                "file",
-                "file",
-                "alias file",
-                "remove",
-                "directory",
-                "writable",
-                "writable",
-                "mkdir",
-                "symlink",
-                "target",
-                "suse",
-                "promote",
-                "veinfo",
-                "configuration",
-            ]
-        )
+        kind = self.one(DISTURBANCES)
+        down = [name for name, link in world.kernel.links.items() if not link.is_up]
         return {
             "main": lambda: self.main_address(name),
             "alias": lambda: self.alias(name),
             "ipv6": lambda: ["ipv6", name, self.ipv6_to_set_up(), self.one([64, 64, 128, 48])],
             "up": lambda: ["up", name, self.chance(0.7)],
-            "rename": lambda: ["rename", self.one([name, *self.down(world)]), self.one(NAMES)],
+            "rename": lambda: ["rename", self.one([name, *down]), self.one(NAMES)],
             "file": lambda: self.interface_file(name, world),
-            "alias file": lambda: self.interface_file(f"{name}:{self.random.randint(1, 4)}", world),
+            "alias_file": lambda: self.interface_file(f"{name}:{self.random.randint(1, 4)}", world),
             "remove": lambda: ["remove", file],
             "directory": lambda: ["directory", self.one(DIRECTORY_STATES)],
             "writable": lambda: ["directory", "writable"],
-            "mkdir": lambda: [
-                "file",
-                f"ifcfg-{name}{self.one(['', ':1', ':2'])}",
-                None,
-                0o755,
-                self.one(self.owners),
-            ],
-            "symlink": lambda: ["symlink", f"ifcfg-{name}{self.one(['', '', ':1', ':2'])}", TARGET],
+            "mkdir": lambda: ["file", self.file_of(name), None, 0o755, self.one(self.owners)],
+            "symlink": lambda: ["symlink", self.file_of(name, ""), TARGET],
             "target": lambda: ["file", TARGET, *self.interface_file(name, world)[2:]],
             "configuration": lambda: ["configuration", self.chance(0.5)],
             "suse": lambda: ["suse", self.chance(0.5)],
@@ -248,42 +188,22 @@ class Dice:
             "veinfo": lambda: ["veinfo", self.veinfo(world)],
         }[kind]()
 
+    def file_of(self, name, *more_suffixes):
+        return f"ifcfg-{name}" + self.one([*more_suffixes, "", ":1", ":2"])
+
     def ipv6_to_set_up(self):
         return self.one(["fe80::7", "::2", "fec0::7"]) if self.chance(0.15) else self.new_ipv6()
-
-    @staticmethod
-    def down(world):
-        return [name for name, link in world.kernel.links.items() if not link.is_up]
 
     def veinfo(self, world):
         if self.chance(0.2):
             return None
-        return "".join(
-            f"{number}: {self.ipv4(world)} {self.ipv6(world)}\n"
-            for number in range(self.random.randint(0, 3))
-        )
+        count = self.random.randint(0, 3)
+        return "".join(f"{n}: {self.ipv4(world)} {self.ipv6(world)}\n" for n in range(count))
 
     # Runs
 
     def run(self, world):
-        arguments = self.one(
-            [
-                self.list,
-                self.list,
-                self.add,
-                self.add,
-                self.add,
-                self.add,
-                self.delete,
-                self.delete,
-                self.delete,
-                self.delete,
-                self.check,
-                self.several,
-                self.several,
-                self.mistaken,
-            ]
-        )(world)
+        arguments = getattr(self, self.one(RUNS))(world)
         return ["run", arguments, self.chance(0.5), self.chance(0.05)]
 
     def list(self, _):
@@ -319,10 +239,8 @@ class Dice:
         return [self.one(["-v", "--qv-assigned-ip"]), text[: self.random.randint(0, 20)]]
 
     def several(self, world):
-        parts = [
-            self.one([self.list, self.delete, self.delete, self.check])(world)
-            for _ in range(self.random.randint(1, 3))
-        ]
+        actions = [self.list, self.delete, self.delete, self.check]
+        parts = [self.one(actions)(world) for _ in range(self.random.randint(1, 3))]
         if self.chance(0.5):
             parts.append(self.add(world))
         if self.chance(0.15):

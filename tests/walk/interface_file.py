@@ -67,8 +67,9 @@ def add_to_list(text, errors, address, prefix):
     """The file's text with the address in front of the list."""
     new_list, lines = "", []
     for line in split_lines(text):
-        # A second list goes on behind the first one, and its line repeats both.
-        if is_list_for_add(line):
+        # An add takes any name that starts with the list's. A second list goes on behind the first
+        # one, and its line repeats both.
+        if line.startswith(LIST) and "=" in line:
             entries = entries_of(line, errors)
             if entries:
                 new_list = new_list or f'{LIST}="{address}/{prefix}'
@@ -80,30 +81,16 @@ def add_to_list(text, errors, address, prefix):
     return "".join(lines)
 
 
-def is_list_for_add(line):
-    """An add takes any name that starts with the list's."""
-    return line.startswith(LIST) and "=" in line
-
-
 def delete_from_lists(text, errors, ip):
     """The file's text without the address; a deleted primary is replaced by the first entry."""
-    lines = split_lines(text)
-    names = [line.partition("=")[0] if "=" in line else None for line in lines]
-    primaries = [primary_of(line) for line, name in zip(lines, names) if name == PRIMARY]
-    entries = [
-        entry
-        for line, name in zip(lines, names)
-        if name == LIST
-        for entry in entries_of(line, errors)
-    ]
-    new_primary = None
+    lines = [(line, line.partition("=")[0] if "=" in line else None) for line in split_lines(text)]
+    primaries = [primary_of(line) for line, name in lines if name == PRIMARY]
+    entries = [entry for line, name in lines if name == LIST for entry in entries_of(line, errors)]
+    new_lines = {}
     if primaries and is_same_address(primaries[-1], ip):
         if not entries:
             raise CannotEdit(f"Cannot remove last IPv6 address {ip}")
-        new_primary = f"{PRIMARY}={joined([entries.pop(0)])}\n"
+        new_lines[PRIMARY] = f"{PRIMARY}={joined([entries.pop(0)])}\n"
     entries = [entry for entry in entries if not is_same_address(entry[0], ip)]
-    new_list = f'{LIST}="{joined(entries)}"\n' if entries else ""
-    return "".join(
-        new_primary if name == PRIMARY and new_primary else new_list if name == LIST else line
-        for line, name in zip(lines, names)
-    )
+    new_lines[LIST] = f'{LIST}="{joined(entries)}"\n' if entries else ""
+    return "".join(new_lines.get(name, line) for line, name in lines)

@@ -8,14 +8,16 @@ at the end are the ifconfig commands. Each gives the exit status and the words.
 import dataclasses
 import errno
 import ipaddress
+import operator
 import os
 import socket
 
 LABEL_BYTES = 15
 GLOBAL_SCOPE, LINK_SCOPE, HOST_SCOPE = 0, 253, 254
+GLOBAL_RANK, SITE_RANK, LINK_RANK = 14, 5, 2  # of an IPv6 address
 
 
-@dataclasses.dataclass
+@dataclasses.dataclass(eq=False)
 class Address4:
     ip: str
     prefix: int
@@ -36,11 +38,10 @@ class Address6:
     prefix: int
 
     def scope_rank(self):
-        """The order of an interface's addresses: a wider scope comes first."""
         address = ipaddress.IPv6Address(self.ip)
         if address.is_link_local or address.is_loopback:
-            return 2
-        return 5 if address.is_site_local else 14
+            return LINK_RANK
+        return SITE_RANK if address.is_site_local else GLOBAL_RANK
 
 
 class Link:
@@ -59,12 +60,9 @@ def class_prefix(ip):
     first = int(ip.split(".")[0])
     if first == 0 or ip == "255.255.255.255":
         return 0
-    for limit, prefix in ((128, 8), (192, 16), (224, 24)):
-        if first < limit:
-            return prefix
-    if first < 240:
+    if 224 <= first < 240:
         refuse(errno.EINVAL)  # multicast
-    return 32
+    return 8 if first < 128 else 16 if first < 192 else 24 if first < 224 else 32
 
 
 def device_of(label):
@@ -106,31 +104,20 @@ class Kernel:
 
     def remove(self, link, address):
         """Removes the secondaries of a primary with it, or promotes the first of them."""
-        position = index_of(link.ipv4, address)
-        followers = link.ipv4[position + 1 :]
-        secondaries = [
-            other
-            for other in followers
-            if not address.is_secondary and other.is_secondary and other.shares_subnet_with(address)
-        ]
+        secondaries = link.ipv4[link.ipv4.index(address) + 1 :] if not address.is_secondary else []
+        secondaries = [o for o in secondaries if o.is_secondary and o.shares_subnet_with(address)]
         if secondaries and self.promotes_secondaries:
-            self.promote(link, address, secondaries[0])
-        elif secondaries:
-            link.ipv4 = [
-                other
-                for other in link.ipv4
-                if not any(other is secondary for secondary in secondaries)
-            ]
-        del link.ipv4[index_of(link.ipv4, address)]
+            self.promote(link, address, secondaries.pop(0))
+            secondaries = []
+        link.ipv4 = [other for other in link.ipv4 if other not in [address, *secondaries]]
 
     def promote(self, link, address, promoted):
         """Moves the new primary after the last primary between it and the removed one."""
-        position, place = index_of(link.ipv4, address), index_of(link.ipv4, promoted)
-        last_primary = position
-        for between in range(position + 1, place):
-            other = link.ipv4[between]
+        last_primary, place = link.ipv4.index(address), link.ipv4.index(promoted)
+        for position in range(last_primary + 1, place):
+            other = link.ipv4[position]
             if not other.is_secondary and address.scope <= other.scope:
-                last_primary = between
+                last_primary = position
         link.ipv4.insert(last_primary + 1, link.ipv4.pop(place))
         promoted.is_secondary = False
 
@@ -181,18 +168,11 @@ class Kernel:
         addresses = self.links[name].ipv6
         if any(other.ip == address.ip for other in addresses):
             refuse(errno.EEXIST)
-        rank = address.scope_rank()
-        position = next(
-            (
-                position
-                for position, other in enumerate(addresses)
-                if rank > other.scope_rank()
-                or self.newest_ipv6_first
-                and rank == other.scope_rank()
-            ),
-            len(addresses),
-        )
-        addresses.insert(position, address)
+        # A wider scope comes first.
+        rank, ranks = address.scope_rank(), [other.scope_rank() for other in addresses]
+        precedes = operator.ge if self.newest_ipv6_first else operator.gt
+        behind = [position for position, other in enumerate(ranks) if precedes(rank, other)]
+        addresses.insert(min(behind, default=len(addresses)), address)
 
     def remove_ipv6(self, name, ip):
         link = self.links[name]
@@ -208,17 +188,12 @@ class Kernel:
 
     def rename(self, old, new):
         """The first address gets the name alone as its label; the others keep their suffix."""
-        link = self.links.pop(old)
-        self.links[new] = link
-        for number, address in enumerate(link.ipv4, start=1):
+        self.links[new] = self.links.pop(old)
+        for number, address in enumerate(self.links[new].ipv4, start=1):
             _, colon, suffix = address.label.partition(":")
             tail = "" if number == 1 else f":{suffix if colon else number}"
             room = LABEL_BYTES - len(os.fsencode(tail))
             address.label = os.fsdecode(os.fsencode(new)[:room]) + tail
-
-
-def index_of(addresses, wanted):
-    return next(position for position, address in enumerate(addresses) if address is wanted)
 
 
 # The ifconfig commands
@@ -229,11 +204,6 @@ def attempt(words, request, function, *arguments):
         function(*arguments)
     except OSError as error:
         words.append(f"{request}: {error.strerror}\n")
-
-
-def status_of_alias_up(words):
-    """Only a refused address counts 1; any other refusal counts -1."""
-    return 255 if any("SIOCSIFADDR" not in line for line in words) else len(words)
 
 
 def ifconfig_alias_up(kernel, label, text, netmask_prefix):
@@ -252,7 +222,9 @@ def ifconfig_alias_up(kernel, label, text, netmask_prefix):
     attempt(words, "SIOCSIFFLAGS", kernel.set_alias_up, label, True)
     if slash:
         attempt(words, "SIOCSIFNETMASK", kernel.set_netmask, label, int(length))
-    return status_of_alias_up(words), "".join(words)
+    # Only a refused address counts 1; any other refusal counts -1.
+    status = 255 if any("SIOCSIFADDR" not in line for line in words) else len(words)
+    return status, "".join(words)
 
 
 def ifconfig_alias_down(kernel, label):

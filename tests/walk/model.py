@@ -6,18 +6,16 @@ does, and gives what that run should print and its exit status.
 
 import dataclasses
 import errno
-import ipaddress
 import os
-import re
 import socket
 
 import command_line
 import interface_file
 import kernel_model
-from kernel_model import GLOBAL_SCOPE, LABEL_BYTES, Kernel
+from kernel_model import GLOBAL_RANK, GLOBAL_SCOPE, LABEL_BYTES, Kernel
+from machine import SCRIPTS, alias_text, is_temporary
 
 IFCONFIG = "/sbin/ifconfig"
-SCRIPTS = "/etc/sysconfig/network-scripts"
 USAGE = """\
 Usage: addrtool [OPTIONS]...
 
@@ -58,21 +56,6 @@ class Failure(Exception):
     """An action failed; the message goes to standard error."""
 
 
-class Streams:
-    """What a run prints: by stream, and merged for both streams in one file."""
-
-    def __init__(self):
-        self.output = self.error = self.merged = ""
-
-    def print(self, text):
-        self.output += text
-        self.merged += text
-
-    def complain(self, text):
-        self.error += text
-        self.merged += text
-
-
 @dataclasses.dataclass
 class Interface:
     """The managed addresses of an interface."""
@@ -88,20 +71,12 @@ def inventory(kernel):
     for name, link in sorted(kernel.links.items(), key=lambda item: os.fsencode(item[0])):
         listed = [address for address in link.ipv4 if address.scope == GLOBAL_SCOPE]
         mains = [address for address in listed if ":" not in address.label]
-        aliases = {}
-        for address in listed:
-            if ":" in address.label:  # of several addresses with one label the first counts
-                aliases.setdefault(address.label.partition(":")[2], address)
-        ipv6 = [address for address in link.ipv6 if is_managed_ipv6(address.ip)]
+        # Of several addresses with one label the first counts.
+        aliases = {a.label.partition(":")[2]: a for a in reversed(listed) if ":" in a.label}
+        ipv6 = [a for a in link.ipv6 if a.scope_rank() == GLOBAL_RANK and a.ip != "::2"]
         if mains or aliases or ipv6:
             found.append(Interface(name, mains, sorted(aliases.items()), ipv6))
     return found
-
-
-def is_managed_ipv6(ip):
-    address = ipaddress.IPv6Address(ip)
-    has_smaller_scope = address.is_loopback or address.is_link_local or address.is_site_local
-    return not has_smaller_scope and ip != "::2"
 
 
 def netmask_of(prefix):
@@ -119,31 +94,18 @@ def prefix_of_netmask(text):
     return 32 - ((mask & -mask).bit_length() - 1) if mask else 0
 
 
-def listing(world):
-    lines = []
-    for interface in inventory(world.kernel):
-        ipv4 = interface.mains + [address for _, address in interface.aliases]
-        for position, address in enumerate(ipv4):
-            lines.append(
-                f"{address.ip} {netmask_of(address.prefix)} {interface.name}"
-                f" {int(position == 0)}\n"
-            )
-        lines += [
-            f"{address.ip} {address.prefix} {interface.name} 0\n" for address in interface.ipv6
-        ]
-    return "".join(lines)
-
-
 class Run:
+    """A run of addrtool, and what it prints: by stream, and merged for both streams in one file."""
+
     def __init__(self, world):
         self.world, self.kernel = world, world.kernel
-        self.streams = Streams()
+        self.output = self.error = self.merged = ""
         self.last_error = 0 if world.has_configuration else errno.ENOENT  # of a system call
 
     def main(self, arguments, operands_end_options):
         """Returns the exit status."""
         line = command_line.parse(arguments, operands_end_options)
-        self.streams.complain(line.complaints)
+        self.complain(line.complaints)
         interface = ([""] + [argument for letter, argument in line.options if letter == "a"])[-1]
         actions = [option for option in line.options if option[0] in "lhdv"]
         if interface and len(line.operands) != 2 or not actions and not interface:
@@ -159,44 +121,54 @@ class Run:
             self.add(interface, *line.operands)
         return 0
 
+    def print(self, text):
+        self.output += text
+        self.merged += text
+
+    def complain(self, text):
+        self.error += text
+        self.merged += text
+
     def report(self, text):
         """A message of the support library goes to both streams."""
-        self.streams.complain(text)
-        self.streams.print(text)
+        self.complain(text)
+        self.print(text)
 
     def usage(self):
-        self.streams.complain(USAGE)
+        self.complain(USAGE)
         return 2
 
     def list(self, _):
-        self.streams.print(listing(self.world))
+        for interface in inventory(self.kernel):
+            is_first = True
+            for address in interface.mains + [address for _, address in interface.aliases]:
+                netmask = netmask_of(address.prefix)
+                self.print(f"{address.ip} {netmask} {interface.name} {int(is_first)}\n")
+                is_first = False
+            for address in interface.ipv6:
+                self.print(f"{address.ip} {address.prefix} {interface.name} 0\n")
 
     def check_container(self, text):
         veinfo = self.world.veinfo
         if veinfo is None:
             self.last_error = errno.ENOENT
         is_found = veinfo is not None and any(text in line for line in veinfo.split("\n"))
-        self.streams.print(str(int(is_found)))
+        self.print(str(int(is_found)))
 
     def ifconfig(self, command, result):
         status, words = result
-        self.streams.complain(words)
+        self.complain(words)
         if status:
             raise Failure(f"{IFCONFIG} {command} exited with non-zero status {status}")
 
     def alias_up(self, label, text, prefix):
-        self.ifconfig(
-            f"'{label}' '{text}' netmask  '{netmask_of(prefix)}' up",
-            kernel_model.ifconfig_alias_up(self.kernel, label, text, prefix or 32),
-        )
+        result = kernel_model.ifconfig_alias_up(self.kernel, label, text, prefix or 32)
+        self.ifconfig(f"'{label}' '{text}' netmask  '{netmask_of(prefix)}' up", result)
 
     # Adding
 
     def add(self, name, text, netmask):
-        if ":" in text:
-            self.add_ipv6(name, text, netmask)
-        else:
-            self.add_ipv4(name, text, netmask)
+        (self.add_ipv6 if ":" in text else self.add_ipv4)(name, text, netmask)
 
     def add_ipv4(self, name, text, netmask):
         prefix = prefix_of_netmask(netmask)
@@ -211,12 +183,12 @@ class Run:
         if number > 65535 or is_too_long(label):
             raise Failure(f"{name}: no free alias number.")
         self.alias_up(label, text, prefix)
-        lines = [f'DEVICE="{label}"\n', f'IPADDR="{text}"\n', f'NETMASK="{netmask_of(prefix)}"\n']
+        lines = alias_text(label, text, netmask_of(prefix))
         if self.world.is_suse:
-            lines.append("STARTMODE='onboot'\n")
+            lines += "STARTMODE='onboot'\n"
         else:
             self.last_error = errno.ENOENT
-        error = self.replace_file(label, "".join(lines))
+        error = self.replace_file(label, lines)
         if error:
             raise Failure(f"{SCRIPTS}/ifcfg-{label}: {os.strerror(error)}")
 
@@ -224,66 +196,46 @@ class Run:
         prefix = interface_file.parse_prefix(length)
         if prefix is None:
             raise Failure(f"{length}: cannot convert to int")
-        require_short_label(name)
-        self.ifconfig(
-            f"{name} add {text}/{prefix}",
-            kernel_model.ifconfig_add_ipv6(
-                self.kernel, name, text, prefix, self.world.ifconfig_usage
-            ),
-        )
+        short_label(name)
+        usage = self.world.ifconfig_usage
+        result = kernel_model.ifconfig_add_ipv6(self.kernel, name, text, prefix, usage)
+        self.ifconfig(f"{name} add {text}/{prefix}", result)
         self.edit_file(name, interface_file.add_to_list, text, prefix)
 
     # Deleting
 
     def delete(self, text):
-        if ":" in text:
-            self.delete_ipv6(text)
-        else:
-            self.delete_ipv4(text)
+        (self.delete_ipv6 if ":" in text else self.delete_ipv4)(text)
 
     def delete_ipv4(self, text):
         for interface in inventory(self.kernel):
             if any(address.ip == text for address in interface.mains):
                 raise Failure(f"{text}: cannot delete main IP on interface")
-            suffix = next(
-                (suffix for suffix, address in interface.aliases if address.ip == text), None
-            )
-            if suffix is not None:
-                self.delete_alias(interface, suffix)
-                return
+            for suffix, address in interface.aliases:
+                if address.ip == text:
+                    return self.delete_alias(interface, suffix)
         raise Failure(f"{text}: not configured.")
 
-    def delete_alias(self, interface, suffix):
-        label = label_of(interface.name, suffix)
+    def delete_alias(self, before, deleted_suffix):
+        label = short_label(f"{before.name}:{deleted_suffix}")
         self.ifconfig(f"'{label}' down", kernel_model.ifconfig_alias_down(self.kernel, label))
         self.remove_file(label)
-        self.restore_aliases(interface, suffix)
-
-    def restore_aliases(self, before, deleted_suffix):
-        """Restores the aliases that vanished with the deleted one."""
+        # Restores the aliases that vanished with it.
         after = [each for each in inventory(self.kernel) if each.name == before.name]
-        left = {suffix for each in after for suffix, _ in each.aliases}
+        left = {suffix for each in after for suffix, _ in each.aliases} | {deleted_suffix}
         for suffix, address in before.aliases:
-            if suffix != deleted_suffix and suffix not in left:
-                self.alias_up(label_of(before.name, suffix), address.ip, address.prefix)
+            if suffix not in left:
+                label = short_label(f"{before.name}:{suffix}")
+                self.alias_up(label, address.ip, address.prefix)
 
     def delete_ipv6(self, text):
         for interface in inventory(self.kernel):
-            address = next(
-                (
-                    address
-                    for address in interface.ipv6
-                    if interface_file.is_same_address(text, address.ip)
-                ),
-                None,
-            )
-            if not address:
-                continue
-            if len(interface.ipv6) == 1:
+            found = [a.ip for a in interface.ipv6 if interface_file.is_same_address(text, a.ip)]
+            if found and len(interface.ipv6) == 1:
                 raise Failure(f"{text}: cannot remove last address from {interface.name}")
-            self.kernel.remove_ipv6(interface.name, address.ip)
-            self.edit_file(interface.name, interface_file.delete_from_lists, text)
-            return
+            if found:
+                self.kernel.remove_ipv6(interface.name, found[0])
+                return self.edit_file(interface.name, interface_file.delete_from_lists, text)
         raise Failure(f"{text}: not configured")
 
     # Files
@@ -316,7 +268,9 @@ class Run:
             old = File("")
         new = File(text, old.mode, old.owner)
         if name in files and files[name].is_directory():
-            files[free_temporary_name(files, name)] = new
+            # The number stands for six random characters.
+            names = (f"{name}.{number:06}" for number in range(len(files) + 1))
+            files[next(free for free in names if free not in files)] = new
             return errno.EISDIR
         files[name] = new
         return 0
@@ -335,36 +289,20 @@ class Run:
                 self.last_error = errors[-1]
             except interface_file.CannotEdit as failure:
                 self.last_error = errors[-1]
-                self.report(f"{failure}\n{self.system_error()}")
-
-    def system_error(self):
-        error = self.last_error
-        return f"System error {error}: {os.strerror(error)}\n" if error else ""
-
-
-def label_of(name, suffix):
-    label = f"{name}:{suffix}"
-    require_short_label(label)
-    return label
+                error = (
+                    f"System error {errors[-1]}: {os.strerror(errors[-1])}\n" if errors[-1] else ""
+                )
+                self.report(f"{failure}\n{error}")
 
 
-def require_short_label(label):
+def short_label(label):
     if is_too_long(label):
         raise Failure(f"{label}: alias label too long.")
+    return label
 
 
 def is_too_long(label):
     return len(os.fsencode(label)) > LABEL_BYTES
-
-
-def free_temporary_name(files, name):
-    """Stands for six random characters."""
-    number = next(number for number in range(len(files) + 1) if f"{name}.{number:06}" not in files)
-    return f"{name}.{number:06}"
-
-
-def is_temporary(name):
-    return re.fullmatch(r"ifcfg-.*\.[A-Za-z0-9]{6}", name) is not None
 
 
 def without_random(name):
@@ -372,11 +310,11 @@ def without_random(name):
 
 
 def run(world, arguments, operands_end_options=False):
-    """Returns (exit status, Streams)."""
+    """Returns (exit status, Run)."""
     it = Run(world)
     try:
         status = it.main(arguments, operands_end_options)
     except Failure as failure:
-        it.streams.complain(f"{failure}\n")
+        it.complain(f"{failure}\n")
         status = 1
-    return status, it.streams
+    return status, it

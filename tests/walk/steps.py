@@ -1,4 +1,4 @@
-"""The steps of a walk: how each is applied to the model and to the machine.
+"""The steps of a walk: what each changes in the model, and how the worlds are compared.
 
 A step is a list of its kind and its operands, so that a walk can be printed, shortened
 and walked again. A step that makes no sense where it stands, as happens when a walk is
@@ -19,157 +19,97 @@ class Difference(Exception):
     """The machine is not as the model says."""
 
 
-def apply(step, world, machine):
-    kind, *operands = step
-    APPLY[kind](world, machine, *operands)
+def take(step, world, machine):
+    if step[0] == "run":
+        run(world, machine, *step[1:])
+    elif makes_sense(step, world):
+        answers = (answer_of(change, step, world), answer_of(machine.change, step))
+        require_equal("the kernel's answer", *answers)
+    compare(world, machine)
 
 
-def add_link(world, machine, name, kind):
-    if name not in world.kernel.links:
-        world.kernel.links[name] = Link()
-        machine.add_link(name, kind)
-
-
-def set_up(world, machine, name, is_up):
-    if name in world.kernel.links:
-        world.kernel.set_up(name, is_up)
-        machine.set_up(name, is_up)
-
-
-def rename(world, machine, old, new):
+def makes_sense(step, world):
     """The kernel renames only a link that is down."""
     links = world.kernel.links
-    if old in links and new not in links and not links[old].is_up:
-        world.kernel.rename(old, new)
-        machine.rename(old, new)
+    match step:
+        case "link", name, _:
+            return name not in links
+        case "rename", old, new:
+            return old in links and new not in links and not links[old].is_up
+        case ("up" | "address" | "ipv6"), name, *_:
+            return name in links
+        case "remove", name:
+            return not world.scripts_error and name in world.files
+        case ("file" | "symlink"), *_:
+            return not world.scripts_error
+    return True
 
 
-def promote(world, machine, is_on):
-    world.kernel.promotes_secondaries = is_on
-    machine.set_promotion(is_on)
+def change(step, world):
+    kernel = world.kernel
+    match step:
+        case "link", name, _:
+            kernel.links[name] = Link()
+        case "up", name, is_up:
+            kernel.set_up(name, is_up)
+        case "rename", old, new:
+            kernel.rename(old, new)
+        case "promote", is_on:
+            kernel.promotes_secondaries = is_on
+        case "address", name, ip, prefix, scope, label:
+            kernel.add(kernel.links[name], Address4(ip, prefix, label, scope))
+        case "ipv6", name, ip, prefix:
+            kernel.insert_ipv6(name, Address6(ip, prefix))
+        case "file", name, text, mode, owner:
+            world.files[name] = File(text, mode, tuple(owner))
+        case "symlink", name, target:
+            world.files[name] = File(None, target=target)
+        case "remove", name:
+            del world.files[name]
+        case "directory", state:
+            world.scripts_error = ERRORS[state]
+        case "suse", is_suse:
+            world.is_suse = is_suse
+        case "veinfo", text:
+            world.veinfo = text
+        case "configuration", is_there:
+            world.has_configuration = is_there
+        case _:
+            raise ValueError(f"no such step: {step}")
 
 
-def add_address(world, machine, name, ip, prefix, scope, label):
-    if name not in world.kernel.links:
-        return
-    link, address = world.kernel.links[name], Address4(ip, prefix, label, scope)
-    require_equal(
-        "the kernel's answer",
-        answer_of(lambda: world.kernel.add(link, address)),
-        answer_of(lambda: machine.add_address(name, ip, prefix, scope, label)),
-    )
-
-
-def add_ipv6_address(world, machine, name, ip, prefix):
-    if name in world.kernel.links:
-        require_equal(
-            "the kernel's answer",
-            answer_of(lambda: world.kernel.insert_ipv6(name, Address6(ip, prefix))),
-            answer_of(lambda: machine.add_address(name, ip, prefix, 0, None)),
-        )
-
-
-def answer_of(action):
+def answer_of(action, *operands):
     try:
-        action()
+        action(*operands)
     except OSError as error:
         return error.strerror
     return "done"
 
 
-def put_file(world, machine, name, text, mode, owner):
-    place_file(world, machine, name, File(text, mode, tuple(owner)))
-
-
-def put_symbolic_link(world, machine, name, target):
-    place_file(world, machine, name, File(None, target=target))
-
-
-def place_file(world, machine, name, file):
-    if not world.scripts_error:
-        world.files[name] = file
-        machine.put_file(name, file)
-
-
-def remove_file(world, machine, name):
-    if not world.scripts_error and name in world.files:
-        del world.files[name]
-        machine.remove_file(name)
-
-
-def set_scripts(world, machine, state):
-    world.scripts_error = ERRORS[state]
-    machine.set_scripts_error(ERRORS[state])
-
-
-def set_suse(world, machine, is_suse):
-    world.is_suse = is_suse
-    machine.set_suse(is_suse)
-
-
-def set_veinfo(world, machine, text):
-    world.veinfo = text
-    machine.set_veinfo(text)
-
-
-def set_configuration(world, machine, is_there):
-    world.has_configuration = is_there
-    machine.set_configuration(is_there)
-
-
 def run(world, machine, arguments, is_merged, operands_end_options):
-    status, streams = model.run(world, arguments, operands_end_options)
+    status, expected = model.run(world, arguments, operands_end_options)
     real_status, output, error = machine.run(arguments, is_merged, operands_end_options)
     require_equal("the exit status", status, real_status)
     if is_merged:
-        require_equal("both streams in one file", streams.merged, output)
+        require_equal("both streams in one file", expected.merged, output)
     else:
-        require_equal("standard output", streams.output, output)
-        require_equal("standard error", streams.error, error)
-
-
-APPLY = {
-    "link": add_link,
-    "up": set_up,
-    "rename": rename,
-    "promote": promote,
-    "address": add_address,
-    "ipv6": add_ipv6_address,
-    "file": put_file,
-    "symlink": put_symbolic_link,
-    "remove": remove_file,
-    "directory": set_scripts,
-    "suse": set_suse,
-    "veinfo": set_veinfo,
-    "configuration": set_configuration,
-    "run": run,
-}
+        require_equal("standard output", expected.output, output)
+        require_equal("standard error", expected.error, error)
 
 
 def compare(world, machine):
     """The kernel's table, the state of the links, and all files."""
     addresses = machine.addresses()
     for name, link in world.kernel.links.items():
-        ipv4, ipv6 = addresses[name]
-        require_equal(
-            f"the IPv4 addresses of {name}",
-            [dataclasses.astuple(address) for address in link.ipv4],
-            ipv4,
-        )
-        require_equal(
-            f"the IPv6 addresses of {name}",
-            [dataclasses.astuple(address) for address in link.ipv6],
-            ipv6,
-        )
+        ipv4, ipv6 = (list(map(dataclasses.astuple, each)) for each in (link.ipv4, link.ipv6))
+        require_equal(f"the IPv4 addresses of {name}", ipv4, addresses[name][0])
+        require_equal(f"the IPv6 addresses of {name}", ipv6, addresses[name][1])
         require_equal(f"whether {name} is up", link.is_up, machine.is_up(name))
     expected = [(without_random(name), file) for name, file in world.files.items()]
     files = machine.files()
     if sorted(expected, key=str) != files:
-        require_equal(
-            "the files",
-            [file for file in expected if file not in files],
-            [file for file in files if file not in expected],
-        )
+        missing = [file for file in expected if file not in files]
+        require_equal("the files", missing, [file for file in files if file not in expected])
         raise Difference("the number of temporary files")
 
 

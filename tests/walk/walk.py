@@ -9,8 +9,6 @@ Each leg of a walk starts in a fresh world. A leg that shows a difference is sho
 while it still shows a difference, and printed. --replay walks printed steps again.
 """
 
-import argparse
-import collections
 import json
 import pathlib
 import re
@@ -37,101 +35,78 @@ class Walker:
         self.machine.reset()
         self.owners = self.machine.possible_owners()
         self.newest_ipv6_first = self.look_at_ipv6_order()
-        self.ifconfig_usage = subprocess.run(
-            ["/sbin/ifconfig", "lo", "add", "::2/129"], capture_output=True, text=True
-        ).stderr
-        self.counts = collections.Counter()
+        too_long = ["/sbin/ifconfig", "lo", "add", "::2/129"]
+        self.ifconfig_usage = subprocess.run(too_long, capture_output=True, text=True).stderr
 
     def look_at_ipv6_order(self):
         """Where this kernel puts a new IPv6 address among those of the same scope."""
-        self.machine.add_link("eth0", "veth")
+        self.machine.change(["link", "eth0", "veth"])
         for ip in ("2001:db8::1", "2001:db8::2"):
-            self.machine.add_address("eth0", ip, 64, 0, None)
+            self.machine.change(["ipv6", "eth0", ip, 64])
         return self.machine.addresses()["eth0"][1][0][0] == "2001:db8::2"
 
-    def start(self):
-        self.machine.reset()
-        return World(self.newest_ipv6_first, self.ifconfig_usage)
-
-    def take(self, step, world):
-        steps.apply(step, world, self.machine)
-        steps.compare(world, self.machine)
-
     def leg(self, seed, length):
-        """Returns the steps taken, and the difference after the last one or None."""
-        world, taken = self.start(), []
-        for step in choose(Dice(seed, self.owners), world, length):
-            taken.append(step)
-            try:
-                self.take(step, world)
-            except steps.Difference as difference:
-                return taken, difference
-            self.counts[step[0]] += 1
-        return taken, None
+        return self.walk(lambda world: choose(Dice(seed, self.owners), world, length))
 
     def replay(self, walk):
-        """Returns the steps up to the first difference, and that difference, or None."""
-        world = self.start()
-        for number, step in enumerate(walk, start=1):
+        return self.walk(lambda _: walk)
+
+    def walk(self, choose_steps):
+        """Returns the steps taken, and the difference after the last one or None."""
+        self.machine.reset()
+        world, taken = World(self.newest_ipv6_first, self.ifconfig_usage), []
+        for step in choose_steps(world):
+            taken.append(step)
             try:
-                self.take(step, world)
+                steps.take(step, world, self.machine)
             except steps.Difference as difference:
-                return walk[:number], difference
-        return walk, None
+                return taken, difference
+        return taken, None
 
     def shorten(self, walk, difference):
         """Leaves out ever smaller parts of the walk, then parts of its steps."""
         size = len(walk) // 2
-        while size:
-            walk, difference, is_shorter = self.try_each(
-                walk, difference, lambda walk, start: [walk[:start] + walk[start + size :]], size
-            )
-            size = size if size == 1 and is_shorter else size // 2
-        is_shorter = True
-        while is_shorter:
-            walk, difference, is_shorter = self.try_each(
-                walk,
-                difference,
-                lambda walk, place: (
-                    walk[:place] + [step] + walk[place + 1 :] for step in simpler(walk[place])
-                ),
-                1,
-            )
-        return walk, difference
+        while True:
+            walk, difference, is_shorter = self.try_each(walk, difference, size)
+            if size > 1 or not is_shorter:
+                if size == 0:
+                    return walk, difference
+                size //= 2
 
-    def try_each(self, walk, difference, variants, stride):
-        """Replaces the walk by each variant that still shows a difference."""
+    def try_each(self, walk, difference, size):
+        """Leaves out each part of that size, or of size 0 parts of each step, if a difference
+        stays."""
         place, is_shorter = 0, False
         while place < len(walk):
-            replays = map(self.replay, variants(walk, place))
-            found = next((replay for replay in replays if replay[1]), None)
+            variants = [walk[:place] + walk[place + size :]] if size else simpler(walk, place)
+            found = next((replay for replay in map(self.replay, variants) if replay[1]), None)
             if found:
                 (walk, difference), is_shorter = found, True
             else:
-                place += stride
+                place += max(size, 1)
         return walk, difference, is_shorter
 
 
 def choose(dice, world, length):
     """The steps of a leg. Each is chosen after the one before it was taken."""
     count = 0
-    for step in dice.setting(world):
-        count += 1
+    for count, step in enumerate(dice.setting(world), start=1):
         yield step
     for _ in range(length - count):
         yield dice.disturbance(world) if dice.chance(DISTURBANCES) else dice.run(world)
 
 
-def simpler(step):
-    """The step without some words of its command line or of its file."""
-    kind, *operands = step
-    if kind == "run":
-        arguments, *rest = operands
-        yield from ([kind, shorter, *rest] for shorter in without_parts(arguments))
-    elif kind == "file" and operands[1]:
-        name, text, *rest = operands
-        words = re.findall(r"\s*\S+\s*", text)
-        yield from ([kind, name, "".join(shorter), *rest] for shorter in without_parts(words))
+def simpler(walk, place):
+    """The walks with a step without some words of its command line or of its file."""
+    match walk[place]:
+        case "run", arguments, *rest:
+            steps = (["run", shorter, *rest] for shorter in without_parts(arguments))
+        case "file", name, str(text), *rest:
+            words = without_parts(re.findall(r"\s*\S+\s*", text))
+            steps = (["file", name, "".join(shorter), *rest] for shorter in words)
+        case _:
+            steps = []
+    return (walk[:place] + [step] + walk[place + 1 :] for step in steps)
 
 
 def without_parts(words):
@@ -151,17 +126,18 @@ def report(seed, walk, difference):
 
 
 def walk_at_random(walker, count, first_seed):
-    begin, left, seed = time.monotonic(), count, first_seed
+    begin, left, seed, runs = time.monotonic(), count, first_seed, 0
     while left > 0:
         taken, difference = walker.leg(seed, min(left, LEG_STEPS))
         if difference:
             report(seed, *walker.shorten(taken, difference))
             return 1
+        runs += sum(step[0] == "run" for step in taken)
         left -= len(taken)
         seed += 1
     print(
-        f"{count} steps in {seed - first_seed} legs, {walker.counts['run']} of them runs of"
-        f" addrtool, in {time.monotonic() - begin:.0f} s: no difference"
+        f"{count} steps in {seed - first_seed} legs, {runs} of them runs of addrtool,"
+        f" in {time.monotonic() - begin:.0f} s: no difference"
     )
     return 0
 
@@ -174,12 +150,7 @@ def walk_again(walker, path):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--steps", type=int, default=100000)
-    parser.add_argument("--seed", type=int, default=1, help="of the first leg")
-    parser.add_argument("--replay", metavar="FILE", help="walk the steps in FILE, one in a line")
-    options = parser.parse_args()
-    machine.require_sandbox()
+    options = machine.parse_options(__doc__, steps=100000, seed=1, replay="")
     walker = Walker()
     if options.replay:
         return walk_again(walker, options.replay)
