@@ -230,7 +230,7 @@ def try_under_valgrind(program, interface):
         (2, "--help"),
     ]:
         done = subprocess.run([*VALGRIND, program, *arguments], capture_output=True, text=True)
-        is_good = done.returncode == status and "Open file descriptor" not in done.stderr
+        is_good = done.returncode == status and "== Open " not in done.stderr
         what = f"valgrind addrtool {arguments}: status {done.returncode}"
         require(is_good, f"{what}: {done.stderr}")
     print("    under valgrind: no error, no leak, no descriptor left")
