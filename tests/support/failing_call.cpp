@@ -16,14 +16,14 @@ struct Failure {
   int last;
 };
 
-Failure failure{};  // none while `first` is 0
+Failure planned{};  // none while `first` is 0
 int callCount = 0;
 
 bool fails(Call call) {
-  if (failure.first == 0 || call != failure.call) return false;
+  if (planned.first == 0 || call != planned.call) return false;
   ++callCount;
-  if (callCount < failure.first || callCount > failure.last) return false;
-  errno = failure.error;
+  if (callCount < planned.first || callCount > planned.last) return false;
+  errno = planned.error;
   return true;
 }
 
@@ -31,11 +31,11 @@ bool fails(Call call) {
 
 FailingCall::FailingCall(Call call, int error, int first, int last) {
   callCount = 0;
-  failure = {call, error, first, last};
+  planned = {call, error, first, last};
 }
 
 FailingCall::~FailingCall() {
-  failure = {};
+  planned = {};
 }
 
 int FailingCall::calls() {

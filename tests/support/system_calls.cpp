@@ -24,7 +24,8 @@ std::string hexadecimal(const std::string& bytes) {
 }  // namespace
 
 void skipUnderEmulator(const char* reason) {
-  if (!ADDRTOOL_EMULATED) return;
+  constexpr bool isEmulated = ADDRTOOL_EMULATED;
+  if (!isEmulated) return;
   using ::testing::TestPartResult;
   [reason] { GTEST_SKIP() << "Cannot run under an emulator: " << reason; }();
   throw ::testing::AssertionException({TestPartResult::kSkip, __FILE__, __LINE__, reason});

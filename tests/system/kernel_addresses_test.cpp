@@ -58,8 +58,9 @@ TEST(KernelAddresses, TheRequestIs24BytesWithTheProcessId) {
   const Trace trace =
       traceCommand({"-f", "-e", "trace=sendto", "-e", "write=all"}, {"addrtool", "--list"});
   // strace puts the process id before the call, and the bytes behind it.
-  const auto call = std::ranges::find_if(
-      trace.calls, [](const std::string& line) { return line.find(" sendto(") != line.npos; });
+  const auto call = std::ranges::find_if(trace.calls, [](const std::string& line) {
+    return line.find(" sendto(") != std::string::npos;
+  });
   ASSERT_TRUE(trace.calls.end() - call > 2);
   const auto pid = static_cast<unsigned>(std::stoul(*call));
   std::array<char, 200> dump{};
