@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <map>
 
 #include "support/child_process.h"
@@ -72,43 +71,37 @@ TEST(ConsoleLog, TheTargetChoosesTheStreams) {
   }
 }
 
-// The checks below change settings of the process, so each runs in a child process. That ends with
-// the number of the first expectation that does not hold.
-void expectAllInChild(const std::function<std::vector<bool>()>& check) {
-  expectInChild(silentSuccess, [&] {
-    const std::vector<bool> expectations = check();
-    for (std::size_t i = 0; i < expectations.size(); ++i) {
-      if (!expectations[i]) std::exit(static_cast<int>(i) + 1);
-    }
-  });
-}
+// The tests below change settings of the process, so they run in child processes. An expectation
+// that fails there prints its message, so the outcome is not silent.
 
 TEST(InitLogging, SelectsTheConsoleIfThereIsATarget) {
   for (const char* const target : {"console", "stderr", "nowhere"}) {
-    expectAllInChild([target] {
+    expectInChild(silentSuccess, [=] {
       logMessage = syslog;
       logMessageV = vsyslog;
       initLogging(target, 0, LOG_MAIL, 0, "ident");
-      const bool isDisabled = logEnabled == 0;
+      EXPECT_EQ(logEnabled, 0);
       initLogging(target, 4, LOG_LOCAL1, 0, "ident");
-      return std::vector{isDisabled,
-                         logEnabled == 1,
-                         logMessage == consoleLog,
-                         logMessageV == consoleLogV,
-                         logTarget == target,
-                         logFacility == LOG_LOCAL1,
-                         logThreshold == 4};
+      EXPECT_EQ(logEnabled, 1);
+      EXPECT_EQ(logMessage, consoleLog);
+      EXPECT_EQ(logMessageV, consoleLogV);
+      EXPECT_EQ(logTarget, target);
+      EXPECT_EQ(logFacility, LOG_LOCAL1);
+      EXPECT_EQ(logThreshold, 4);
     });
   }
 }
 
 TEST(InitLogging, SelectsSyslogWithoutATarget) {
-  expectAllInChild([] {
+  expectInChild(silentSuccess, [] {
     logTarget = "console";
     initLogging(nullptr, 4, LOG_LOCAL1, 0, "ident");
-    return std::vector{logMessage == syslog, logMessageV == vsyslog,
-                       logTarget == nullptr, logFacility == LOG_LOCAL1,
-                       logThreshold == 4,    setlogmask(0) == LOG_UPTO(4)};
+    EXPECT_EQ(logMessage, syslog);
+    EXPECT_EQ(logMessageV, vsyslog);
+    EXPECT_EQ(logTarget, nullptr);
+    EXPECT_EQ(logFacility, LOG_LOCAL1);
+    EXPECT_EQ(logThreshold, 4);
+    EXPECT_EQ(setlogmask(0), LOG_UPTO(4));
   });
 }
 
@@ -120,19 +113,20 @@ TEST(SetLogLevel, SetsThresholdAndMaskAndDisablesBelow1) {
                                  {0, 0x1},           {1, 0x3},      {3, 0xf},
                                  {7, 0xff},          {8, 0x1ff},    {12, 0x1fff},
                                  {30, INT_MAX},      {31, INT_MAX}, {INT_MAX, INT_MAX}};
-  for (const char* const target : {static_cast<const char*>(nullptr), "console"}) {
-    for (const auto& [level, mask] : masks) {
-      SCOPED_TRACE(level);
-      expectAllInChild([target, number = level, expected = target == nullptr ? mask : oldMask] {
+  expectInChild(silentSuccess, [&] {
+    for (const char* const target : {static_cast<const char*>(nullptr), "console"}) {
+      for (const auto& [level, mask] : masks) {
+        SCOPED_TRACE(level);
         logTarget = target;
         logEnabled = 2;
         setlogmask(oldMask);
-        setLogLevel(number);
-        return std::vector{logThreshold == std::max(number, 0), logEnabled == (number < 1 ? 0 : 1),
-                           setlogmask(0) == expected};
-      });
+        setLogLevel(level);
+        EXPECT_EQ(logThreshold, std::max(level, 0));
+        EXPECT_EQ(logEnabled, level < 1 ? 0 : 1);
+        EXPECT_EQ(setlogmask(0), target == nullptr ? mask : oldMask);
+      }
     }
-  }
+  });
 }
 
 }  // namespace
