@@ -51,7 +51,9 @@ TEST(ParseUnsigned16, ReportsERANGEAbove65535WhateverFollows) {
 
 TEST(ParseUnsigned16, AcceptsOrRefusesAMillionDigitsTheSameWay) {
   EXPECT_EQ(parse(std::string(1000000, '9')), Parsed(-1, untouched, ERANGE));
-  EXPECT_EQ(parse(std::string(1000000, '0') + "8"), Parsed(0, 8, 0));
+  std::string eight(1000000, '0');
+  eight += '8';
+  EXPECT_EQ(parse(eight), Parsed(0, 8, 0));
 }
 
 }  // namespace
