@@ -28,12 +28,12 @@ struct ConfigTable : ::testing::Test {
     table.reset(static_cast<RuntimeConfiguration*>(std::calloc(1, sizeof(RuntimeConfiguration))));
   }
 
-  int set(const std::string& name, const std::string& value) {
+  int set(const std::string& name, const std::string& value) const {
     return setConfigEntry(table.get(), name.c_str(), value.c_str());
   }
 
   // Defines "NAME_0" as "0" and so on, until the table has that many entries.
-  void fill(unsigned count) {
+  void fill(unsigned count) const {
     for (unsigned i = table->count; i < count; ++i) {
       ASSERT_EQ(set("NAME_" + std::to_string(i), std::to_string(i)), 0);
     }
