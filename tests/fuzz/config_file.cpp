@@ -5,13 +5,9 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <map>
-#include <string>
-#include <vector>
 
 #include "fuzzing.h"
 #include "support/log_recorder.h"

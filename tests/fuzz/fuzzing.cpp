@@ -57,13 +57,9 @@ std::string upToNul(const std::string& bytes) {
 }
 
 std::vector<std::string> splitAt(const std::string& text, char separator) {
-  std::vector<std::string> parts(1);
-  for (const char character : text) {
-    if (character == separator) {
-      parts.emplace_back();
-    } else {
-      parts.back() += character;
-    }
+  std::vector<std::string> parts;
+  for (std::size_t at = 0; at <= text.size(); at += parts.back().size() + 1) {
+    parts.push_back(text.substr(at, text.find(separator, at) - at));
   }
   return parts;
 }

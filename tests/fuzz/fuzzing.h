@@ -1,5 +1,5 @@
-// What the fuzzers share: how they fail, and second implementations of the small parsers, written
-// differently, to compare the program with.
+// What the fuzzers share: their types, how they fail, and second implementations of the small
+// parsers, written differently, to compare the program with.
 #pragma once
 
 #include <cstdint>

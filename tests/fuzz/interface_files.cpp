@@ -1,11 +1,7 @@
 // Fuzzes both edits of the IPv6 addresses in an interface file. The first line of the input is the
 // address to add and remove ("2001:db8::5/64"). The rest is the file.
-#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "fuzzing.h"
 #include "inventory/address_record.h"

@@ -4,13 +4,8 @@
 #include <netinet/in.h>
 
 #include <array>
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
-#include <span>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "fuzzing.h"
 #include "inventory/address_messages.h"
@@ -31,8 +26,18 @@ Number numberAt(Octets bytes, std::size_t offset) {
   return value;
 }
 
-std::size_t paddedTo4(std::size_t length) {
-  return (length + 3) / 4 * 4;
+// The blocks of the bytes. Each starts with its length, a Length, and is padded to a multiple of 4.
+// An impossible length ends them.
+template <typename Length>
+std::vector<Octets> blocksOf(Octets bytes, std::size_t headerSize) {
+  std::vector<Octets> blocks;
+  std::size_t length = 0;
+  for (std::size_t at = 0; at + headerSize <= bytes.size(); at += (length + 3) / 4 * 4) {
+    length = numberAt<Length>(bytes, at);
+    if (length < headerSize || at + length > bytes.size()) break;
+    blocks.push_back(bytes.subspan(at, length));
+  }
+  return blocks;
 }
 
 struct ModelAttributes {
@@ -43,12 +48,9 @@ struct ModelAttributes {
 
 ModelAttributes modelAttributes(Octets message, std::size_t addressSize) {
   ModelAttributes found;
-  std::size_t length = 0;
-  for (std::size_t at = 24; at + 4 <= message.size(); at += paddedTo4(length)) {
-    length = numberAt<std::uint16_t>(message, at);
-    const unsigned type = numberAt<std::uint16_t>(message, at + 2);
-    if (length < 4 || at + length > message.size()) break;
-    const Octets payload = message.subspan(at + 4, length - 4);
+  for (const Octets attribute : blocksOf<std::uint16_t>(message.subspan(24), 4)) {
+    const unsigned type = numberAt<std::uint16_t>(attribute, 2);
+    const Octets payload = attribute.subspan(4);
     if (type == 1 && payload.size() >= addressSize) found.address = payload;
     if (type == 2 && payload.size() >= addressSize) found.local = payload;
     if (type == 3) found.label = upToNul({payload.begin(), payload.end()});
@@ -82,27 +84,17 @@ void modelMessage(Octets message, bool includeHostScope, AddressDump& dump) {
   }
 }
 
-void modelDatagram(Octets datagram, bool includeHostScope, AddressDump& dump) {
-  std::size_t length = 0;
-  for (std::size_t at = 0; at + 16 <= datagram.size(); at += paddedTo4(length)) {
-    length = numberAt<std::uint32_t>(datagram, at);
-    if (length < 16 || at + length > datagram.size()) break;
-    modelMessage(datagram.subspan(at, length), includeHostScope, dump);
-  }
-}
-
-DatagramKind modelKind(Octets datagram) {
-  if (datagram.size() < 16) return DatagramKind::Malformed;
-  const auto length = numberAt<std::uint32_t>(datagram, 0);
-  const unsigned type = numberAt<std::uint16_t>(datagram, 4);
-  if (length < 16 || length > datagram.size() || type == 2) return DatagramKind::Malformed;
+DatagramKind modelKind(const std::vector<Octets>& messages) {
+  const unsigned type = messages.empty() ? 2 : numberAt<std::uint16_t>(messages[0], 4);
+  if (type == 2) return DatagramKind::Malformed;
   return type == 3 ? DatagramKind::EndOfDump : DatagramKind::Addresses;
 }
 
 }  // namespace
 
 int checkInput(Octets input) {
-  require(classifyDatagram(std::as_bytes(input)) == modelKind(input),
+  const std::vector<Octets> messages = blocksOf<std::uint32_t>(input, 16);
+  require(classifyDatagram(std::as_bytes(input)) == modelKind(messages),
           "a datagram is judged by its first message");
 
   // One copy is at an odd address: the code must not rely on alignment.
@@ -118,8 +110,8 @@ int checkInput(Octets input) {
     });
     AddressDump expected;
     const auto expectedFailure = failureOf([&] {
-      modelDatagram(input, includeHostScope, expected);
-      modelDatagram(input, includeHostScope, expected);
+      for (const Octets message : messages) modelMessage(message, includeHostScope, expected);
+      for (const Octets message : messages) modelMessage(message, includeHostScope, expected);
     });
     require(dump == expected && failure == expectedFailure,
             "a dump holds exactly the managed addresses");

@@ -1,9 +1,6 @@
 // Fuzzes the parsers of numbers, netmasks and addresses. The input is the text. Its
 // first and last line are two addresses.
 #include <cerrno>
-#include <cstdint>
-#include <optional>
-#include <string>
 
 #include "fuzzing.h"
 #include "inventory/address_record.h"

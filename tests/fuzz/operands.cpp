@@ -5,11 +5,7 @@
 // No command runs and no file changes: system(3) is replaced and fails before files would be
 // written.
 #include <array>
-#include <cstddef>
-#include <functional>
-#include <optional>
-#include <string>
-#include <vector>
+#include <stdexcept>
 
 #include "changes/add_address.h"
 #include "changes/delete_address.h"
@@ -59,98 +55,91 @@ Outcome outcomeOf(const std::function<void()>& action) {
   return {world.commands, failure};
 }
 
-Outcome ran(const std::string& command) {
-  return {{command}, command + world.ending.text};
+// --- the models: they record commands in the world, and throw what the program throws
+
+[[noreturn]] void refuse(const std::string& message) {
+  throw std::runtime_error(message);
 }
 
-Outcome refused(const std::string& message) {
-  return {{}, message};
+void run(const std::string& arguments) {
+  const std::string command = "/sbin/ifconfig " + arguments;
+  world.commands.push_back(command);
+  if (world.ending.status != 0) refuse(command + world.ending.text);
 }
 
 // The kernel holds labels of at most 15 bytes.
-bool isTooLong(const std::string& label) {
-  return label.size() > 15;
+void requireShort(const std::string& label) {
+  if (label.size() > 15) refuse(label + ": alias label too long.");
 }
 
-std::string bringUpCommand(const std::string& label, const AddressRecord& record) {
-  const std::string netmask = modelNetmask(record.prefixLength);
-  return "/sbin/ifconfig '" + label + "' '" + record.address + "' netmask  '" + netmask + "' up";
+void bringUp(const std::string& label, const AddressRecord& record) {
+  run("'" + label + "' '" + record.address + "' netmask  '" + modelNetmask(record.prefixLength) +
+      "' up");
 }
 
-std::string ipv6Command(const std::string& interface, const std::string& verb,
-                        const AddressRecord& record) {
-  return "/sbin/ifconfig " + interface + " " + verb + " " + record.address + "/" +
-         std::to_string(record.prefixLength);
+void changeIPv6(const std::string& interface, const std::string& verb,
+                const AddressRecord& record) {
+  run(interface + " " + verb + " " + record.address + "/" + std::to_string(record.prefixLength));
 }
 
 bool isIPv6(const std::string& address) {
   return address.find(':') != std::string::npos;
 }
 
-Outcome modelAdd(const std::string& interface, const std::string& address,
-                 const std::string& third) {
+void modelAdd(const std::string& interface, const std::string& address, const std::string& third) {
   if (isIPv6(address)) {
     const auto length = modelUnsigned16(third).value;
-    if (!length) return refused(third + ": cannot convert to int");
-    if (isTooLong(interface)) return refused(interface + ": alias label too long.");
-    return ran(ipv6Command(interface, "add", {address, *length}));
+    if (!length) refuse(third + ": cannot convert to int");
+    requireShort(interface);
+    return changeIPv6(interface, "add", {address, *length});
   }
   const auto mask = modelDottedQuad(third);
-  if (!mask) return refused(third + ": cannot convert to netmask");
+  if (!mask) refuse(third + ": cannot convert to netmask");
   const auto found = world.dump.find(interface);
-  if (found == world.dump.end()) return refused(interface + ": no such network interface.");
+  if (found == world.dump.end()) refuse(interface + ": no such network interface.");
   int number = 1;
   while (found->second.aliases.contains(std::to_string(number))) ++number;
   const std::string label = interface + ":" + std::to_string(number);
-  if (isTooLong(label)) return refused(interface + ": no free alias number.");
-  return ran(bringUpCommand(label, {address, modelPrefixLength(*mask)}));
+  if (label.size() > 15) refuse(interface + ": no free alias number.");
+  bringUp(label, {address, modelPrefixLength(*mask)});
 }
 
-Outcome modelDeleteIPv4(const std::string& address) {
+void modelDeleteIPv4(const std::string& address) {
   for (const auto& [interface, addresses] : world.dump) {
     for (const AddressRecord& record : addresses.primaryIPv4) {
-      if (record.address == address) {
-        return refused(address + ": cannot delete main IP on interface");
-      }
+      if (record.address == address) refuse(address + ": cannot delete main IP on interface");
     }
     for (const auto& [suffix, record] : addresses.aliases) {
       if (record.address != address) continue;
       const std::string label = interface + ":" + suffix;
-      if (isTooLong(label)) return refused(label + ": alias label too long.");
-      return ran("/sbin/ifconfig '" + label + "' down");
+      requireShort(label);
+      return run("'" + label + "' down");
     }
   }
-  return refused(address + ": not configured.");
+  refuse(address + ": not configured.");
 }
 
-Outcome modelDeleteIPv6(const std::string& address) {
+void modelDeleteIPv6(const std::string& address) {
   for (const auto& [interface, addresses] : world.dump) {
     for (const AddressRecord& record : addresses.ipv6) {
       if (!modelSameIPv6(record.address, address)) continue;
-      if (addresses.ipv6.size() == 1) {
-        return refused(address + ": cannot remove last address from " + interface);
-      }
-      return ran(ipv6Command(interface, "del", record));
+      if (addresses.ipv6.size() > 1) return changeIPv6(interface, "del", record);
+      refuse(address + ": cannot remove last address from " + interface);
     }
   }
-  return refused(address + ": not configured");
+  refuse(address + ": not configured");
 }
 
 // One command for each alias that has vanished.
-Outcome modelRestore(const std::string& interface, const AliasMap& before,
-                     const std::string& deletedSuffix) {
-  Outcome outcome;
-  if (before.size() < 2) return outcome;
+void modelRestore(const std::string& interface, const AliasMap& before,
+                  const std::string& deletedSuffix) {
+  if (before.size() < 2) return;
   for (const auto& [suffix, record] : before) {
     if (suffix == deletedSuffix || world.dump[interface].aliases.contains(suffix)) continue;
     const std::string label = interface + ":" + suffix;
-    if (isTooLong(label)) {
-      outcome.failure = label + ": alias label too long.";
-      break;
-    }
-    outcome.commands.push_back(bringUpCommand(label, record));
+    requireShort(label);
+    bringUp(label, record);
   }
-  return outcome;
 }
 
 // The addresses in the first lines after the operands.
@@ -185,17 +174,17 @@ int checkInput(Octets input) {
   world.ending = failures.at(input.size() % failures.size());
 
   require(outcomeOf([&] { addAddress(interface, address, third); }) ==
-              modelAdd(interface, address, third),
+              outcomeOf([&] { modelAdd(interface, address, third); }),
           "an addition runs its one command");
-  require(outcomeOf([&] { deleteAddress(address); }) ==
-              (isIPv6(address) ? modelDeleteIPv6(address) : modelDeleteIPv4(address)),
+  const auto modelDelete = isIPv6(address) ? modelDeleteIPv6 : modelDeleteIPv4;
+  require(outcomeOf([&] { deleteAddress(address); }) == outcomeOf([&] { modelDelete(address); }),
           "a deletion runs its one command");
 
   const AliasMap before = world.dump[interface].aliases;
   world.dump = readDump(lines, rows / 2);  // the other addresses have vanished
   world.ending = {};
   require(outcomeOf([&] { restoreAliases(interface, before, third); }) ==
-              modelRestore(interface, before, third),
+              outcomeOf([&] { modelRestore(interface, before, third); }),
           "the aliases that vanished are brought back as they were");
   return 0;
 }
