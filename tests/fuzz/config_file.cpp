@@ -15,8 +15,6 @@
 namespace addrtool::fuzz {
 namespace {
 
-using testing::LogRecorder;
-
 const std::string whiteSpace = " \t\n\v\f\r";
 const std::string nameCharacters =
     "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz";
@@ -102,13 +100,13 @@ std::map<std::string, std::string> readBack(const RuntimeConfiguration& table) {
 }  // namespace
 
 int checkInput(Octets input) {
-  const LogRecorder recorder;
+  const testing::LogRecorder recorder;
   auto* table = static_cast<RuntimeConfiguration*>(std::calloc(1, sizeof(RuntimeConfiguration)));
   require(readConfigFile(pathOf(input).c_str(), table) == 0, "every file can be read to its end");
   checkTable(*table);
-  require(
-      Content{readBack(*table), LogRecorder::take()} == modelContent({input.begin(), input.end()}),
-      "the last definition of a name wins, and any other line is logged");
+  require(Content{readBack(*table), testing::LogRecorder::take()} ==
+              modelContent({input.begin(), input.end()}),
+          "the last definition of a name wins, and any other line is logged");
   freeConfig(table);
   return 0;
 }

@@ -8,8 +8,6 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <ostream>
-#include <stdexcept>
 
 #include "support/files.h"
 

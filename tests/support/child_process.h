@@ -1,4 +1,5 @@
 // Runs a program, or a function in a child process, and captures both output streams separately.
+// Provides GoogleTest.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -36,7 +37,6 @@ inline Outcome onBothStreams(const std::string& text, int status = 0) {
   return {status, 0, text, text};
 }
 
-/// For readable failures.
 void PrintTo(const Outcome& outcome, std::ostream* stream);
 
 /// Runs the command (found on the PATH) to its end, without standard input.

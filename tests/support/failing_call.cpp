@@ -7,39 +7,13 @@
 #include <cstdlib>
 
 namespace addrtool::testing {
-namespace {
 
-struct Failure {
-  Call call;
-  int error;
-  int first;
-  int last;
-};
-
-Failure planned{};  // none while `first` is 0
-int callCount = 0;
-
-bool fails(Call call) {
+bool FailingCall::fails(Call call) {
   if (planned.first == 0 || call != planned.call) return false;
   ++callCount;
   if (callCount < planned.first || callCount > planned.last) return false;
   errno = planned.error;
   return true;
-}
-
-}  // namespace
-
-FailingCall::FailingCall(Call call, int error, int first, int last) {
-  callCount = 0;
-  planned = {call, error, first, last};
-}
-
-FailingCall::~FailingCall() {
-  planned = {};
-}
-
-int FailingCall::calls() {
-  return callCount;
 }
 
 }  // namespace addrtool::testing
@@ -49,60 +23,61 @@ int FailingCall::calls() {
 // NOLINTBEGIN(bugprone-reserved-identifier, cert-dcl*, readability-identifier-naming, *-no-malloc,
 // *-owning-memory)
 using addrtool::testing::Call;
-using addrtool::testing::fails;
+using addrtool::testing::FailingCall;
 
 extern "C" {
 
 void* __real_malloc(std::size_t size);
 void* __wrap_malloc(std::size_t size) {
-  return fails(Call::Allocation) ? nullptr : __real_malloc(size);
+  return FailingCall::fails(Call::Allocation) ? nullptr : __real_malloc(size);
 }
 
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-  return fails(Call::Allocation) ? nullptr : __real_calloc(count, size);
+  return FailingCall::fails(Call::Allocation) ? nullptr : __real_calloc(count, size);
 }
 
 void* __real_realloc(void* pointer, std::size_t size);
 void* __wrap_realloc(void* pointer, std::size_t size) {
-  return fails(Call::Allocation) ? nullptr : __real_realloc(pointer, size);
+  return FailingCall::fails(Call::Allocation) ? nullptr : __real_realloc(pointer, size);
 }
 
 char* __real_strdup(const char* text);
 char* __wrap_strdup(const char* text) {
-  return fails(Call::Allocation) ? nullptr : __real_strdup(text);
+  return FailingCall::fails(Call::Allocation) ? nullptr : __real_strdup(text);
 }
 
 ssize_t __real_getline(char** line, std::size_t* size, std::FILE* stream);
 ssize_t __wrap_getline(char** line, std::size_t* size, std::FILE* stream) {
-  return fails(Call::Allocation) ? -1 : __real_getline(line, size, stream);
+  return FailingCall::fails(Call::Allocation) ? -1 : __real_getline(line, size, stream);
 }
 
 // Optimised code calls this in place of getline.
 ssize_t __real___getdelim(char** line, std::size_t* size, int delimiter, std::FILE* stream);
 ssize_t __wrap___getdelim(char** line, std::size_t* size, int delimiter, std::FILE* stream) {
-  return fails(Call::Allocation) ? -1 : __real___getdelim(line, size, delimiter, stream);
+  return FailingCall::fails(Call::Allocation) ? -1
+                                              : __real___getdelim(line, size, delimiter, stream);
 }
 
 std::FILE* __real_fdopen(int descriptor, const char* mode);
 std::FILE* __wrap_fdopen(int descriptor, const char* mode) {
-  return fails(Call::Fdopen) ? nullptr : __real_fdopen(descriptor, mode);
+  return FailingCall::fails(Call::Fdopen) ? nullptr : __real_fdopen(descriptor, mode);
 }
 
 int __real_fclose(std::FILE* stream);
 int __wrap_fclose(std::FILE* stream) {
   const int result = __real_fclose(stream);
-  return fails(Call::Fclose) ? EOF : result;
+  return FailingCall::fails(Call::Fclose) ? EOF : result;
 }
 
 int __real_chown(const char* path, uid_t user, gid_t group);
 int __wrap_chown(const char* path, uid_t user, gid_t group) {
-  return fails(Call::Chown) ? -1 : __real_chown(path, user, group);
+  return FailingCall::fails(Call::Chown) ? -1 : __real_chown(path, user, group);
 }
 
 int __real_chmod(const char* path, mode_t mode);
 int __wrap_chmod(const char* path, mode_t mode) {
-  return fails(Call::Chmod) ? -1 : __real_chmod(path, mode);
+  return FailingCall::fails(Call::Chmod) ? -1 : __real_chmod(path, mode);
 }
 
 }  // extern "C"

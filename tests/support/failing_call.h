@@ -16,15 +16,30 @@ enum class Call { Allocation, Fdopen, Fclose, Chown, Chmod };
 /// at a time.
 class FailingCall {
  public:
-  FailingCall(Call call, int error, int first = 1, int last = INT_MAX);
-  ~FailingCall();
+  FailingCall(Call call, int error, int first = 1, int last = INT_MAX) {
+    planned = {call, error, first, last};
+    callCount = 0;
+  }
+  ~FailingCall() { planned = {}; }
   FailingCall(const FailingCall&) = delete;
   FailingCall& operator=(const FailingCall&) = delete;
-  FailingCall(FailingCall&&) = delete;
-  FailingCall& operator=(FailingCall&&) = delete;
 
   /// The number of calls so far.
-  static int calls();
+  static int calls() { return callCount; }
+
+  /// Counts the call if it is of the planned kind. Returns whether it must fail, and sets errno
+  /// then.
+  static bool fails(Call call);
+
+ private:
+  struct Plan {
+    Call call;
+    int error;
+    int first;
+    int last;
+  };
+  inline static Plan planned{};  // none while `first` is 0
+  inline static int callCount = 0;
 };
 
 /// Makes those allocations run out of memory.

@@ -18,8 +18,6 @@ class TemporaryDirectory {
   ~TemporaryDirectory();
   TemporaryDirectory(const TemporaryDirectory&) = delete;
   TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-  TemporaryDirectory(TemporaryDirectory&&) = delete;
-  TemporaryDirectory& operator=(TemporaryDirectory&&) = delete;
 
   fs::path operator/(const std::string& name) const { return path_ / name; }
   const fs::path& path() const { return path_; }

@@ -21,7 +21,6 @@ struct LoggedMessage {
   bool operator==(const LoggedMessage&) const = default;
 };
 
-/// For readable failures.
 inline void PrintTo(const LoggedMessage& message, std::ostream* stream) {
   *stream << "at " << message.priority << ": \"" << message.text << '"';
 }
@@ -37,8 +36,6 @@ class LogRecorder {
   ~LogRecorder() { logMessage = consoleLog; }
   LogRecorder(const LogRecorder&) = delete;
   LogRecorder& operator=(const LogRecorder&) = delete;
-  LogRecorder(LogRecorder&&) = delete;
-  LogRecorder& operator=(LogRecorder&&) = delete;
 
   /// Returns the messages since the last call, in order.
   static std::vector<LoggedMessage> take() { return std::exchange(recorded, {}); }

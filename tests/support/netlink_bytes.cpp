@@ -23,22 +23,14 @@ void pad(std::string& bytes) {
 }
 
 std::string attributeBytes(const Attribute& attribute) {
-  rtattr header{};
-  const auto length = static_cast<unsigned short>(sizeof(header) + attribute.payload.size());
-  header.rta_len = attribute.claimedLength.value_or(length);
-  header.rta_type = attribute.type;
+  const auto length = static_cast<std::uint16_t>(sizeof(rtattr) + attribute.payload.size());
+  const rtattr header{attribute.claimedLength.value_or(length), attribute.type};
   return bytesOf(header) + attribute.payload;
 }
 
 std::string messageBytes(const AddressMessage& message) {
-  ifaddrmsg address{};
-  address.ifa_family = message.family;
-  address.ifa_prefixlen = message.prefixLength;
-  address.ifa_flags = message.flags;
-  address.ifa_scope = message.scope;
-  address.ifa_index = message.index;
-
-  std::string body = bytesOf(address);
+  std::string body = bytesOf(
+      ifaddrmsg{message.family, message.prefixLength, message.flags, message.scope, message.index});
   for (const Attribute& attribute : message.attributes) {
     pad(body);
     body += attributeBytes(attribute);
@@ -51,25 +43,11 @@ std::string messageBytes(const AddressMessage& message) {
 
 std::string addressBytes(const std::string& address) {
   std::array<char, sizeof(in6_addr)> bytes{};
-  if (inet_pton(AF_INET, address.c_str(), bytes.data()) == 1) {
-    return {bytes.data(), sizeof(in_addr)};
+  const bool isIPv6 = address.find(':') != std::string::npos;
+  if (inet_pton(isIPv6 ? AF_INET6 : AF_INET, address.c_str(), bytes.data()) != 1) {
+    throw std::invalid_argument(address + ": no address");
   }
-  if (inet_pton(AF_INET6, address.c_str(), bytes.data()) == 1) {
-    return {bytes.data(), sizeof(in6_addr)};
-  }
-  throw std::invalid_argument(address + ": no address");
-}
-
-Attribute addressAttribute(const std::string& address) {
-  return {IFA_ADDRESS, addressBytes(address)};
-}
-
-Attribute localAttribute(const std::string& address) {
-  return {IFA_LOCAL, addressBytes(address)};
-}
-
-Attribute labelAttribute(const std::string& label) {
-  return {IFA_LABEL, label + '\0'};
+  return {bytes.data(), isIPv6 ? sizeof(in6_addr) : sizeof(in_addr)};
 }
 
 std::string datagramOf(const std::vector<AddressMessage>& messages) {
@@ -82,16 +60,7 @@ std::string datagramOf(const std::vector<AddressMessage>& messages) {
 }
 
 std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type) {
-  nlmsghdr header{};
-  header.nlmsg_len = claimedLength;
-  header.nlmsg_type = type;
-  header.nlmsg_flags = NLM_F_MULTI;
-  return bytesOf(header);
-}
-
-ExactBytes::ExactBytes(const std::string& bytes) {
-  const auto all = std::as_bytes(std::span(bytes));
-  memory_.assign(all.begin(), all.end());
+  return bytesOf(nlmsghdr{claimedLength, type, NLM_F_MULTI, 0, 0});
 }
 
 }  // namespace addrtool::testing

@@ -24,10 +24,16 @@ struct Attribute {
 /// The bytes of an IPv4 or IPv6 address, as inet_pton(3) returns them. Throws for any other text.
 std::string addressBytes(const std::string& address);
 
-Attribute addressAttribute(const std::string& address);
-Attribute localAttribute(const std::string& address);
+inline Attribute addressAttribute(const std::string& address) {
+  return {IFA_ADDRESS, addressBytes(address)};
+}
+inline Attribute localAttribute(const std::string& address) {
+  return {IFA_LOCAL, addressBytes(address)};
+}
 /// A label with its NUL, as the kernel sends it.
-Attribute labelAttribute(const std::string& label);
+inline Attribute labelAttribute(const std::string& label) {
+  return {IFA_LABEL, label + '\0'};
+}
 
 /// One address message. Its defaults are those of a plain address that an administrator added.
 struct AddressMessage {
@@ -51,7 +57,10 @@ std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type);
 /// read outside of them.
 class ExactBytes {
  public:
-  explicit ExactBytes(const std::string& bytes);
+  explicit ExactBytes(const std::string& bytes) {
+    const auto all = std::as_bytes(std::span(bytes));
+    memory_.assign(all.begin(), all.end());
+  }
   std::span<const std::byte> span() const { return memory_; }
 
  private:

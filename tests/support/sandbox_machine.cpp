@@ -4,10 +4,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <ostream>
 #include <sstream>
 #include <stdexcept>
 
@@ -73,13 +71,13 @@ void ip(const std::string& commands) {
 
 Lines addManyAddresses(int count, bool withLabels) {
   Lines addresses;
-  std::string commands;
+  Lines lines;
   for (int n = 1; n <= count; ++n) {
     addresses.push_back("10." + std::to_string(n / 250) + ".0." + std::to_string(n % 250));
-    commands += "address add " + addresses.back() + "/32 dev eth0" +
-                (withLabels ? " label eth0:" + std::to_string(n) : "") + '\n';
+    const std::string label = withLabels ? "eth0:" + std::to_string(n) : "eth0";
+    lines.push_back(label + ' ' + addresses.back() + "/32");
   }
-  ip(commands);
+  addAddresses(lines);
   return addresses;
 }
 
@@ -96,7 +94,7 @@ void addAddresses(const Lines& addresses) {
 }
 
 void addInterface(const std::string& name, const Lines& addresses) {
-  ip("link add " + name + " type veth peer name peer-" + name + "\nlink set " + name + " up");
+  ip("link add " + name + " type veth\nlink set " + name + " up");
   for (const std::string& address : addresses) addAddresses({name + ' ' + address});
   writeFile(interfaceFile(name), "DEVICE=" + name + "\n");
 }
@@ -177,21 +175,18 @@ Lines valuesInShell(const std::string& label, const Lines& variables) {
 }
 
 void recordIfconfig(const std::string& script) {
-  writeFile(recorder, "#!/bin/sh\nprintf '%s\\0' $# \"$0\" \"$@\" >>" + std::string(recording) +
-                          "\n" + script + "\n");
+  const std::string record = R"({ printf '<%s>' "$0" "$@"; printf '\0'; } >>)";
+  writeFile(recorder, "#!/bin/sh\n" + record + recording + '\n' + script + '\n');
   fs::permissions(recorder, fs::perms::owner_all);
   fs::remove(recording);
   prepare("mount --bind " + std::string(recorder) + " /sbin/ifconfig");
 }
 
-std::vector<Lines> recordedCommands() {
-  std::vector<Lines> commands;
+Lines recordedCommands() {
+  Lines commands;
   if (!fs::exists(recording)) return commands;
-  std::istringstream words(readFile(recording));
-  for (std::string count; std::getline(words, count, '\0');) {
-    Lines& command = commands.emplace_back(std::stoul(count) + 1);
-    for (std::string& word : command) std::getline(words, word, '\0');
-  }
+  std::istringstream records(readFile(recording));
+  for (std::string command; std::getline(records, command, '\0');) commands.push_back(command);
   return commands;
 }
 
@@ -200,14 +195,13 @@ void expectRefused(const Lines& arguments, const std::string& message,
   const MachineState before;
   const Lines command = addrtoolCommand(arguments);
   const Outcome outcome =
-      injection.empty() ? runCommand(command) : traceCommand({"-e", injection}, command).outcome;
+      injection.empty() ? runCommand(command) : traceCommand({injection}, command).outcome;
   EXPECT_EQ(outcome, failure(message)) << ::testing::PrintToString(arguments);
   EXPECT_EQ(MachineState(), before) << ::testing::PrintToString(arguments);
 }
 
 void expectCommandLines(const Lines& arguments, const Lines& commandLines, const Outcome& outcome) {
-  const Trace trace =
-      traceCommand({"-f", "-s", "4096", "-e", "trace=execve"}, addrtoolCommand(arguments));
+  const Trace trace = traceCommand({"-f", "-s4096", "trace=execve"}, addrtoolCommand(arguments));
   Lines traced;
   for (const std::string& call : trace.calls) {
     for (const auto& match :

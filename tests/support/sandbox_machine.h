@@ -1,24 +1,16 @@
-// What every system test needs: the sandbox's addresses, network scripts and /sbin/ifconfig, and
-// addrtool run in it. A test program with this file refuses to run its tests anywhere else.
+// What every system test needs: GoogleTest, files, child processes, traces, the sandbox's
+// addresses, network scripts and /sbin/ifconfig, and addrtool run in it. A test program with this
+// file refuses to run its tests anywhere else.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <sys/types.h>
 
-#include <filesystem>
-#include <iosfwd>
 #include <map>
-#include <string>
-#include <vector>
 
-#include "support/child_process.h"
 #include "support/files.h"
 #include "support/system_calls.h"
 
 namespace addrtool::testing {
-
-namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
 
 inline const fs::path networkScripts = "/etc/sysconfig/network-scripts";
 
@@ -64,7 +56,7 @@ void expectSilentSuccess(const Lines& arguments);
 void add(const std::string& address, const std::string& netmaskOrPrefix = "255.255.255.0");
 
 /// Expects that the program fails with this message, prints nothing else and changes nothing.
-/// `injection` is an option of strace that makes a system call fail.
+/// `injection` is an expression of strace that makes a system call fail.
 void expectRefused(const Lines& arguments, const std::string& message,
                    const std::string& injection = "");
 
@@ -104,8 +96,8 @@ Lines valuesInShell(const std::string& label, const Lines& variables);
 /// Replaces /sbin/ifconfig by a program that records its arguments and then runs the script.
 void recordIfconfig(const std::string& script = "");
 
-/// The recorded commands, each as the words of its command line.
-std::vector<Lines> recordedCommands();
+/// The recorded commands, each word in angle brackets: "</sbin/ifconfig><eth0:1><down>".
+Lines recordedCommands();
 
 /// Expects that the program ends like this and hands exactly these command lines to the shell.
 void expectCommandLines(const Lines& arguments, const Lines& commandLines,

@@ -1,9 +1,6 @@
 #include "support/system_calls.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <iterator>
 #include <sstream>
 
 #include "support/files.h"
@@ -11,14 +8,8 @@
 namespace addrtool::testing {
 namespace {
 
-std::string hexadecimal(const std::string& bytes) {
-  std::string text;
-  for (const char byte : bytes) {
-    constexpr const char* digits = "0123456789abcdef";
-    text += digits[static_cast<unsigned char>(byte) / 16];
-    text += digits[static_cast<unsigned char>(byte) % 16];
-  }
-  return text;
+auto findStart(const std::string& start, const Lines& calls) {
+  return std::ranges::find_if(calls, [&](const auto& call) { return call.starts_with(start); });
 }
 
 }  // namespace
@@ -31,14 +22,16 @@ void skipUnderEmulator(const char* reason) {
   throw ::testing::AssertionException({TestPartResult::kSkip, __FILE__, __LINE__, reason});
 }
 
-Trace traceCommand(const std::vector<std::string>& options,
-                   const std::vector<std::string>& command) {
+Trace traceCommand(const Lines& options, const Lines& command) {
   skipUnderEmulator("strace would show the emulator's system calls");
   const TemporaryDirectory directory;
   const std::string log = directory / "calls";
   // The leak sanitizer does not work in a traced program.
-  std::vector<std::string> words{"strace", "-qq", "-o", log, "-E", "ASAN_OPTIONS=detect_leaks=0"};
-  words.insert(words.end(), options.begin(), options.end());
+  Lines words{"strace", "-qq", "-o", log, "-E", "ASAN_OPTIONS=detect_leaks=0"};
+  for (const std::string& option : options) {
+    if (!option.starts_with('-')) words.emplace_back("-e");
+    words.push_back(option);
+  }
   words.insert(words.end(), command.begin(), command.end());
 
   Trace trace{runCommand(words), {}};
@@ -48,23 +41,27 @@ Trace traceCommand(const std::vector<std::string>& options,
 }
 
 std::string answer(const std::string& systemCall, int n, const std::string& bytes) {
-  const std::string poke = bytes.empty() ? "" : ":poke_exit=@arg2=" + hexadecimal(bytes);
+  std::string poke = bytes.empty() ? "" : ":poke_exit=@arg2=";
+  for (const char byte : bytes) {
+    constexpr const char* digits = "0123456789abcdef";
+    poke += digits[static_cast<unsigned char>(byte) / 16];
+    poke += digits[static_cast<unsigned char>(byte) % 16];
+  }
   return "inject=" + systemCall + ":retval=" + std::to_string(bytes.size()) + poke +
          ":when=" + std::to_string(n);
 }
 
-std::vector<std::string> callsFrom(const std::string& start, const Trace& trace) {
-  const auto first =
-      std::find_if(trace.calls.begin(), trace.calls.end(),
-                   [&start](const std::string& call) { return call.starts_with(start); });
-  return {first, trace.calls.end()};
+Lines callsBefore(const std::string& start, const Lines& calls) {
+  return {calls.begin(), findStart(start, calls)};
 }
 
-std::vector<std::string> callsStarting(const std::string& start,
-                                       const std::vector<std::string>& calls) {
-  std::vector<std::string> found;
-  std::copy_if(calls.begin(), calls.end(), std::back_inserter(found),
-               [&start](const std::string& call) { return call.starts_with(start); });
+Lines callsFrom(const std::string& start, const Lines& calls) {
+  return {findStart(start, calls), calls.end()};
+}
+
+Lines callsStarting(const std::string& start, const Lines& calls) {
+  Lines found = calls;
+  std::erase_if(found, [&](const std::string& call) { return !call.starts_with(start); });
   return found;
 }
 

@@ -1,6 +1,5 @@
 // An alias label has at most 15 bytes. ifconfig truncates a longer one and changes whatever has the
 // truncated name, so no command may run with it.
-
 #include <algorithm>
 
 #include "support/sandbox_machine.h"
@@ -10,11 +9,6 @@ namespace {
 
 const std::string name13 = "enp193s0f1np1";
 const std::string name15 = "enx001122334455";
-
-void makeInterface(const std::string& name) {
-  ip("link add " + name + " type veth peer name peer0\nlink set " + name + " up");
-  addAddresses({name + " 10.1.1.1/24"});
-}
 
 void renameInterface(const std::string& from, const std::string& to) {
   ip("link set " + from + " down\nlink set " + from + " name " + to + "\nlink set " + to + " up");
@@ -55,7 +49,7 @@ TEST(AliasLabels, ANumberIsUsedOnlyIfItFitsBehindTheName) {
   };
   for (const auto& [name, last, free, isFullThen] : rows) {
     SCOPED_TRACE(name);
-    makeInterface(name);
+    addInterface(name, {"10.1.1.1/24"});
     Lines taken;
     for (int number = 1; number <= last; ++number) {
       const std::string text = std::to_string(number);
@@ -74,7 +68,7 @@ TEST(AliasLabels, ANumberIsUsedOnlyIfItFitsBehindTheName) {
 }
 
 TEST(AliasLabels, AnAliasIsDeletedOnlyIfItsLabelStillFits) {
-  makeInterface("eth5");
+  addInterface("eth5", {"10.1.1.1/24"});
   addAddresses({"eth5:1 10.1.2.1/32"});
   renameInterface("eth5", name15);
   expectRefusal({"-d", "10.1.2.1"}, name15 + ":1: alias label too long.");
@@ -85,7 +79,7 @@ TEST(AliasLabels, AnAliasIsDeletedOnlyIfItsLabelStillFits) {
 
 // ifconfig would add to the interface with the truncated name.
 TEST(AliasLabels, AnIPv6AddOnALabelThatIsTooLongIsRefused) {
-  makeInterface(name15);
+  addInterface(name15, {"10.1.1.1/24"});
   for (const std::string& label : {name15 + ":1", name15 + "6"}) {
     expectRefusal({"-a", label, "2001:db8:1::9", "64"}, label + ": alias label too long.");
     expectRefusal({"-a", label, "2001:db8:1::9", "x"}, "x: cannot convert to int");
@@ -96,7 +90,7 @@ TEST(AliasLabels, AnIPv6AddOnALabelThatIsTooLongIsRefused) {
 
 // With the first alias of the subnet the kernel drops the other three.
 TEST(AliasLabels, RestoringStopsAtALabelThatIsTooLong) {
-  makeInterface("eth5");
+  addInterface("eth5", {"10.1.1.1/24"});
   addAddresses(
       {"eth5:1 10.1.2.1/24", "eth5:0 10.1.2.2/24", "eth5:10 10.1.2.3/24", "eth5:2 10.1.2.4/24"});
   renameInterface("eth5", name13);

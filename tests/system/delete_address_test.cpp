@@ -79,16 +79,6 @@ TEST(DeleteAddress, RemovesTheFirstAliasInTextOrderOfTheSuffix) {
   expectCommandLines({"-d", "203.0.113.7"}, {"/sbin/ifconfig 'eth0:10' down"});
 }
 
-TEST(DeleteAddress, ReadsTheKernelAgainOnlyWhenAnotherAliasMayHaveVanished) {
-  add("192.0.2.10");
-  add("192.0.2.11");
-  for (const auto& [address, reads] : {std::pair("192.0.2.10", 2U), std::pair("192.0.2.11", 1U)}) {
-    const auto [outcome, calls] = traceCommand({"-e", "trace=sendto"}, {"addrtool", "-d", address});
-    EXPECT_EQ(outcome, silentSuccess);
-    EXPECT_EQ(callsStarting("sendto(", calls).size(), reads);
-  }
-}
-
 // --- IPv6 --------------------------------------------------------------------
 
 TEST(DeleteAddress, RemovesIPv6InAnySpellingFromKernelAndFile) {
@@ -96,14 +86,14 @@ TEST(DeleteAddress, RemovesIPv6InAnySpellingFromKernelAndFile) {
   ASSERT_EQ(chmod(interfaceFile("eth0").c_str(), 01755), 0);
   const MachineState before;
   EXPECT_EQ(before.files.at("ifcfg-eth0").mode, 0101755U);
-  for (const auto& [added, deleted] :
-       {std::pair("2001:db8::5", "2001:db8::5"), std::pair("2001:db8::5", "2001:DB8:0:0::5"),
-        std::pair("2001:db8::5", "2001:0db8:0000:0000:0000:0000:0000:0005"),
-        std::pair("2001:db8::5", "2001:db8::0.0.0.5"),
-        std::pair("2001:DB8:0:0::5", "2001:db8::5")}) {
-    add(added, "64");
-    expectSilentSuccess({"-d", deleted});
-    EXPECT_EQ(MachineState(), before) << deleted;
+  const Lines spellings{"2001:db8::5", "2001:DB8:0:0::5", "2001:db8::0.0.0.5",
+                        "2001:0db8:0000:0000:0000:0000:0000:0005"};
+  for (const std::string& added : spellings) {
+    for (const std::string& deleted : spellings) {
+      add(added, "64");
+      expectSilentSuccess({"-d", deleted});
+      EXPECT_EQ(MachineState(), before) << added << ", deleted as " << deleted;
+    }
   }
 }
 
@@ -216,11 +206,6 @@ TEST(RestoreAliases, RestoresVanishedAliasesInTextOrderOfTheSuffix) {
   EXPECT_EQ(MachineState(), expected);
 }
 
-TEST(RestoreAliases, RunsNoCommandIfNoAliasVanished) {
-  addAliases(10);
-  expectCommandLines({"-d", "198.51.100.5"}, {"/sbin/ifconfig 'eth0:5' down"});
-}
-
 TEST(RestoreAliases, RestoresOnlyVanishedAliasesAndWritesNoFile) {
   addAddresses({"eth0:1 198.51.100.1/24", "eth0:2 198.51.100.2/24", "eth0:3 203.0.113.3/24",
                 "eth0:4 192.0.2.4/24", "eth0:web:1 198.51.100.5/24"});
@@ -244,16 +229,16 @@ TEST(RestoreAliases, DoesNotRestoreALabelThatHasAnotherAddress) {
       "ip address del 198.51.100.1/24 dev eth0; "
       "ip address add 203.0.113.9/24 dev eth0 label eth0:2");
   expectSilentSuccess({"-d", "198.51.100.1"});
-  EXPECT_EQ(recordedCommands(), (std::vector<Lines>{{"/sbin/ifconfig", "eth0:1", "down"}}));
+  EXPECT_EQ(recordedCommands(), Lines{"</sbin/ifconfig><eth0:1><down>"});
 }
 
 TEST(RestoreAliases, DoesNotRestoreTheDeletedAlias) {
   addAliases(2);
   recordIfconfig("ip address flush dev eth0 label 'eth0:*'; exit 0");
   expectSilentSuccess({"-d", "198.51.100.2"});
-  EXPECT_EQ(recordedCommands(), (std::vector<Lines>{{"/sbin/ifconfig", "eth0:2", "down"},
-                                                    {"/sbin/ifconfig", "eth0:1", "198.51.100.1",
-                                                     "netmask", "255.255.255.0", "up"}}));
+  EXPECT_EQ(recordedCommands(),
+            (Lines{"</sbin/ifconfig><eth0:2><down>",
+                   "</sbin/ifconfig><eth0:1><198.51.100.1><netmask><255.255.255.0><up>"}));
 }
 
 // The deleted alias and its file stay deleted.
@@ -277,8 +262,8 @@ TEST(RestoreAliases, StopsAtTheFirstFailure) {
 TEST(RestoreAliases, ReportsThatTheKernelCannotBeAskedAgain) {
   addAliases(10);
   const NetworkFiles files = networkFiles();
-  const Trace trace = traceCommand({"-e", "inject=sendto:error=ENOBUFS:when=2"},
-                                   {"addrtool", "-d", "198.51.100.1"});
+  const Trace trace =
+      traceCommand({"inject=sendto:error=ENOBUFS:when=2"}, {"addrtool", "-d", "198.51.100.1"});
   expectFailureAfterDelete(trace.outcome,
                            "Can not send RTM_GETADDR request: No buffer space available", files);
 }

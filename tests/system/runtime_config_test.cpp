@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <functional>
 
 #include "support/failing_call.h"
 #include "support/log_recorder.h"
@@ -34,9 +33,17 @@ void expectWithFile(const char* contents, const std::function<void()>& expectati
   EXPECT_EQ(runWithFile(contents, expectations), silentSuccess);
 }
 
-void expectOneError(const std::vector<LoggedMessage>& messages) {
-  ASSERT_EQ(messages.size(), 1U);
-  EXPECT_EQ(messages[0].priority, 3);
+// Expects one error from the function: on both streams, and for a log function.
+void expectError(const std::string& message, const char* contents,
+                 const std::function<void()>& function) {
+  EXPECT_EQ(runWithFile(contents, function), onBothStreams(message));
+  expectWithFile(contents, [&function] {
+    const LogRecorder log;
+    function();
+    const auto logged = LogRecorder::take();
+    ASSERT_EQ(logged.size(), 1U);
+    EXPECT_EQ(logged[0].priority, 3);
+  });
 }
 
 TEST(LoadRuntimeConfiguration, ReadsTheFileOnce) {
@@ -66,26 +73,20 @@ TEST(LoadRuntimeConfiguration, NothingIsKeptAfterAFailure) {
     EXPECT_EQ(loadRuntimeConfiguration(), -1);
     fs::create_directory(kelConf);
     EXPECT_EQ(loadRuntimeConfiguration(), -1);
+    EXPECT_EQ(lookupConfigFile("NAME"), nullptr);
     fs::remove(kelConf);
     writeFile(kelConf, "NAME value\n");
-    EXPECT_EQ(loadRuntimeConfiguration(), 0);
     EXPECT_STREQ(lookupConfigFile("NAME"), "value");
   });
 }
 
 TEST(LoadRuntimeConfiguration, OutOfMemoryForTheStructureIsLogged) {
-  const auto failOnce = [] {
-    const FailingAllocations failing(1);
-    EXPECT_EQ(loadRuntimeConfiguration(), -1);
-    EXPECT_EQ(loadRuntimeConfiguration(), 0);
-  };
-  EXPECT_EQ(runWithFile(definesNothing, failOnce),
-            onBothStreams("Not enough memory to allocate Vexa runtime configuration structure\n"));
-  expectWithFile(definesNothing, [&failOnce] {
-    const LogRecorder log;
-    failOnce();
-    expectOneError(LogRecorder::take());
-  });
+  expectError("Not enough memory to allocate Vexa runtime configuration structure\n",
+              definesNothing, [] {
+                const FailingAllocations failing(1);
+                EXPECT_EQ(loadRuntimeConfiguration(), -1);
+                EXPECT_EQ(loadRuntimeConfiguration(), 0);
+              });
 }
 
 TEST(LoadRuntimeConfiguration, OutOfMemoryForTheTableFails) {
@@ -110,24 +111,26 @@ TEST(LookupConfigFile, LoadsTheFileAndFindsTheName) {
   });
 }
 
-TEST(LookupConfigFile, ReturnsNullWhileTheFileCannotBeLoaded) {
-  expectWithFile(nullptr, [] {
-    EXPECT_EQ(lookupConfigFile("NAME"), nullptr);
-    writeFile(kelConf, "NAME value\n");
-    EXPECT_STREQ(lookupConfigFile("NAME"), "value");
-  });
-}
-
-TEST(ConfigValues, ComeFromTheFileFirst) {
-  expectWithFile("DUMP_D /elsewhere\nSA_MAX_MAIL_SIZE 7\n_MIN_POSSIBLE_KEL_CONF_VAR_NAME lowest\n",
-                 [] {
-                   EXPECT_STREQ(getConfigValue(ConfigVariable::DUMP_D), "/elsewhere");
-                   EXPECT_STREQ(getConfigValue(ConfigVariable::SA_MAX_MAIL_SIZE), "7");
-                   EXPECT_EQ(getConfigValue(ConfigVariable::DUMP_TMP_D), nullptr);
-                   EXPECT_STREQ(getConfigValueOrDefault(ConfigVariable::DUMP_D), "/elsewhere");
-                   EXPECT_STREQ(getConfigValueByName("DUMP_D"), "/elsewhere");
-                   EXPECT_STREQ(getConfigValueByName("_MIN_POSSIBLE_KEL_CONF_VAR_NAME"), "lowest");
-                 });
+TEST(ConfigValues, ComeFromTheFileOrElseAreTheDefault) {
+  std::string everything;
+  for (const auto& [name, unused] : configVariables) {
+    everything += std::string(name) + " value of " + name + '\n';
+  }
+  const char* const none = nullptr;
+  for (const char* const contents : {everything.c_str(), definesNothing, none}) {
+    expectWithFile(contents, [&everything, contents] {
+      const bool isDefined = contents == everything.c_str();
+      for (std::size_t i = 0; i < configVariables.size(); ++i) {
+        const auto variable = static_cast<ConfigVariable>(i);
+        const auto& [name, defaultValue] = configVariables.at(i);
+        const std::string value = isDefined ? "value of " + std::string(name) : defaultValue;
+        EXPECT_STREQ(getConfigValue(variable), isDefined ? value.c_str() : nullptr);
+        EXPECT_STREQ(getConfigValueOrDefault(variable), value.c_str());
+        if (variable == ConfigVariable::MAX_POSSIBLE_KEL_CONF_VAR) break;  // has no name to look up
+        EXPECT_STREQ(getConfigValueByName(name), value.c_str());
+      }
+    });
+  }
 }
 
 TEST(GetConfigValue, CachesAFoundValueButNoMissingOne) {
@@ -137,33 +140,8 @@ TEST(GetConfigValue, CachesAFoundValueButNoMissingOne) {
     const char* const value = getConfigValue(ConfigVariable::DUMP_D);
     EXPECT_STREQ(value, "/elsewhere");
     EXPECT_EQ(value, getConfigValue(ConfigVariable::DUMP_D));
+    EXPECT_EQ(getConfigValue(ConfigVariable::DUMP_TMP_D), nullptr);
   });
-}
-
-TEST(GetConfigValue, ReturnsTheValueOfEachVariable) {
-  std::string contents;
-  for (const ConfigVariableInfo& variable : configVariables) {
-    contents += std::string(variable.name) + " value of " + variable.name + '\n';
-  }
-  expectWithFile(contents.c_str(), [] {
-    for (int round = 0; round < 2; ++round) {
-      for (std::size_t i = 0; i < configVariables.size(); ++i) {
-        EXPECT_STREQ(getConfigValue(static_cast<ConfigVariable>(i)),
-                     ("value of " + std::string(configVariables.at(i).name)).c_str());
-      }
-    }
-  });
-}
-
-TEST(GetConfigValueOrDefault, FallsBackToTheDefaultOfTheVariable) {
-  for (const char* const contents : {definesNothing, static_cast<const char*>(nullptr)}) {
-    expectWithFile(contents, [] {
-      for (std::size_t i = 0; i < configVariables.size(); ++i) {
-        EXPECT_STREQ(getConfigValueOrDefault(static_cast<ConfigVariable>(i)),
-                     configVariables.at(i).defaultValue);
-      }
-    });
-  }
 }
 
 TEST(GetConfigValue, IsNullOutsideTheTable) {
@@ -175,28 +153,13 @@ TEST(GetConfigValue, IsNullOutsideTheTable) {
   }
 }
 
-TEST(GetConfigValueByName, KnowsAllVariablesExceptTheUpperSentinel) {
-  expectWithFile(definesNothing, [] {
-    for (std::size_t i = 0; i < configVariables.size() - 1; ++i) {
-      EXPECT_STREQ(getConfigValueByName(configVariables.at(i).name),
-                   configVariables.at(i).defaultValue);
-    }
-  });
-}
-
 TEST(GetConfigValueByName, LogsAnUnknownName) {
   for (const std::string name : {"_MAX_POSSIBLE_KEL_CONF_VAR_NAME", "NAME", "", "dump_d"}) {
     const std::string contents = name + " value\n";  // the file does not make the name known
-    const auto lookUp = [&name] { EXPECT_EQ(getConfigValueByName(name.c_str()), nullptr); };
-    EXPECT_EQ(runWithFile(contents.c_str(), lookUp),
-              onBothStreams("variable '" + name +
-                            "' was found neither in /etc/kel/kel.conf, nor in compile-time "
-                            "defaults\n"));
-    expectWithFile(contents.c_str(), [&lookUp] {
-      const LogRecorder log;
-      lookUp();
-      expectOneError(LogRecorder::take());
-    });
+    expectError("variable '" + name +
+                    "' was found neither in /etc/kel/kel.conf, nor in compile-time defaults\n",
+                contents.c_str(),
+                [&name] { EXPECT_EQ(getConfigValueByName(name.c_str()), nullptr); });
   }
 }
 
@@ -235,19 +198,16 @@ TEST_F(ConfigurationLoading, AFileThatCannotBeReadChangesNothing) {
 }
 
 // Opening a FIFO without a writer blocks the program.
-TEST_F(ConfigurationLoading, ComesAfterTheChecksOfTheCommandLine) {
+TEST_F(ConfigurationLoading, ComesBetweenTheChecksOfTheCommandLineAndTheFirstAction) {
   ASSERT_EQ(mkfifo(kelConf.c_str(), 0600), 0);
   EXPECT_EQ(runShell("timeout 20 addrtool -l extra").exitStatus, 1);
   EXPECT_EQ(runShell("timeout 20 addrtool").exitStatus, 2);
   EXPECT_EQ(runShell("timeout 20 addrtool -a eth0 192.0.2.5").exitStatus, 2);
-}
-
-TEST_F(ConfigurationLoading, ComesBeforeTheFirstAction) {
-  ASSERT_EQ(mkfifo(kelConf.c_str(), 0600), 0);
   EXPECT_EQ(runShell("timeout 1 addrtool -l -h"), (Outcome{124, 0, "", ""}));
 }
 
 TEST_F(ConfigurationLoading, HappensOnceForEveryAction) {
+  const Lines options{"-P" + kelConf.string(), "trace=?open,openat", "signal=none"};
   const std::vector<std::pair<Lines, int>> rows{
       {{"addrtool", "-l", "-l"}, 0},
       {{"addrtool", "-h"}, 2},
@@ -256,8 +216,7 @@ TEST_F(ConfigurationLoading, HappensOnceForEveryAction) {
       {{"addrtool", "-a", "eth0", "192.0.2.10", "255.255.255.0"}, 0},
   };
   for (const auto& [command, status] : rows) {
-    const auto [outcome, calls] =
-        traceCommand({"-P", kelConf, "-e", "trace=?open,openat", "-e", "signal=none"}, command);
+    const auto [outcome, calls] = traceCommand(options, command);
     EXPECT_EQ(outcome.exitStatus, status) << command[1];
     EXPECT_EQ(calls.size(), 1U) << command[1];
   }

@@ -1,6 +1,5 @@
 // Programs that change addresses or system files refuse to run outside a sandbox. In case one does
 // not, these tests run in a sandbox whose marks are hidden under a fresh /proc.
-
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {

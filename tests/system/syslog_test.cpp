@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <stdexcept>
 
 #include "runtime/logging.h"
 #include "support/patterns.h"
@@ -49,8 +48,9 @@ __attribute__((format(printf, 2, 3))) void logThroughList(int priority, const ch
   va_end(arguments);
 }
 
-std::string identAndPid(const std::string& ident) {
-  return ident + "[" + std::to_string(getpid()) + "]: ";
+std::string received(int priority, const std::string& text, const std::string& ident = "panel") {
+  return "<" + std::to_string(priority) + ">" + ident + "[" + std::to_string(getpid()) +
+         "]: " + text;
 }
 
 TEST(Syslog, GetsTheMessagesUpToTheLevelWithFacilityAndProcessId) {
@@ -60,9 +60,8 @@ TEST(Syslog, GetsTheMessagesUpToTheLevelWithFacilityAndProcessId) {
   logThroughList(LOG_WARNING, "%s", "list");
   logMessage(LOG_NOTICE, "above the level");
   logMessage(12, "with a facility of its own");
-  EXPECT_EQ(socket.take(), (Lines{"<139>" + identAndPid("panel") + "text 5",
-                                  "<140>" + identAndPid("panel") + "list",
-                                  "<12>" + identAndPid("panel") + "with a facility of its own"}));
+  EXPECT_EQ(socket.take(), (Lines{received(139, "text 5"), received(140, "list"),
+                                  received(12, "with a facility of its own")}));
 }
 
 TEST(Syslog, IsReopenedByEachInitialisation) {
@@ -73,9 +72,8 @@ TEST(Syslog, IsReopenedByEachInitialisation) {
   logMessage(LOG_ERR, "two");
   initLogging(nullptr, LOG_INFO, LOG_DAEMON, LOG_NDELAY, "second");
   logMessage(LOG_ERR, "three");
-  EXPECT_EQ(first.take(),
-            (Lines{"<19>" + identAndPid("first") + "one", "<19>" + identAndPid("first") + "two"}));
-  EXPECT_EQ(second.take(), (Lines{"<27>" + identAndPid("second") + "three"}));
+  EXPECT_EQ(first.take(), (Lines{received(19, "one", "first"), received(19, "two", "first")}));
+  EXPECT_EQ(second.take(), (Lines{received(27, "three", "second")}));
 }
 
 TEST(Syslog, TheOptionsArePassedOn) {
@@ -97,26 +95,23 @@ TEST(Syslog, LevelMinusOneKeepsTheMask) {
     logMessage(LOG_INFO, "information");
     logMessage(LOG_DEBUG, "details");
   }
-  const std::string information = "<22>" + identAndPid("panel") + "information";
-  EXPECT_EQ(socket.take(),
-            (std::vector<std::string>{information, "<23>" + identAndPid("panel") + "details",
-                                      information}));
+  EXPECT_EQ(socket.take(), (Lines{received(22, "information"), received(23, "details"),
+                                  received(22, "information")}));
 }
 
 TEST(Syslog, StaysAsItIsWhileTheConsoleIsTheSink) {
   const LogSocket socket;
   initLogging(nullptr, LOG_INFO, LOG_MAIL, 0, "panel");
-  EXPECT_EQ(runInChild([] {
-              initLogging("console", LOG_ERR, LOG_DAEMON, 0, "other");
-              logMessage(LOG_ERR, "text");
-            }),
-            (Outcome{0, 0, "text\n", "text\n"}));
+  expectInChild(onBothStreams("text\n"), [] {
+    initLogging("console", LOG_ERR, LOG_DAEMON, 0, "other");
+    logMessage(LOG_ERR, "text");
+  });
   EXPECT_TRUE(socket.take().empty());
 
   initLogging("console", LOG_ERR, LOG_DAEMON, 0, "other");
   syslog(LOG_INFO, "direct");
   syslog(LOG_DEBUG, "above the level");
-  EXPECT_EQ(socket.take(), (std::vector<std::string>{"<22>" + identAndPid("panel") + "direct"}));
+  EXPECT_EQ(socket.take(), (Lines{received(22, "direct")}));
 }
 
 }  // namespace
