@@ -77,22 +77,21 @@ constexpr auto longOptions = [] {
   return rows;
 }();
 
-constexpr auto shortOptions = [] {
-  std::array<char, 2 * options.size() + 1> text{};  // a letter and a colon each, and the NUL
-  auto* end = text.begin();
+std::string shortOptions() {
+  std::string text;
   for (const Option& known : options) {
     if (known.letter == '\0') continue;
-    *end++ = known.letter;
-    if (known.argument == required_argument) *end++ = ':';
+    text += known.letter;
+    if (known.argument == required_argument) text += ':';
   }
   return text;
-}();
+}
 
 Request parseOptions(int argc, char** argv) {
+  const std::string letters = shortOptions();
   Request request;
   int letter = 0;
-  while ((letter = getopt_long(argc, argv, shortOptions.data(), longOptions.data(), nullptr)) !=
-         -1) {
+  while ((letter = getopt_long(argc, argv, letters.c_str(), longOptions.data(), nullptr)) != -1) {
     // A bad option gives '?', which is not in the table. getopt has already reported it, and the
     // other options still count.
     const auto* found = std::ranges::find(options, letter, &Option::letter);

@@ -25,15 +25,14 @@ bool canRetryWrite() {
   return errno == EINTR;
 }
 
-// Writes the line at once, so that the panel can read it before the rest is printed. Returns false
-// on a write error. The caller must then stop, so that no line is missing between two others.
-bool printLine(std::string line) {
-  line += '\n';
-  std::string_view rest = line;
-  while (!rest.empty()) {
-    const ssize_t written = write(STDOUT_FILENO, rest.data(), rest.size());
+// Writes the line, with its newline, at once, so that the panel can read it before the rest is
+// printed. Returns false on a write error. The caller must then stop, so that no line is missing
+// between two others.
+bool printLine(std::string_view line) {
+  while (!line.empty()) {
+    const ssize_t written = write(STDOUT_FILENO, line.data(), line.size());
     if (written > 0) {
-      rest.remove_prefix(static_cast<std::size_t>(written));
+      line.remove_prefix(static_cast<std::size_t>(written));
     } else if (!canRetryWrite()) {
       return false;
     }
@@ -41,13 +40,11 @@ bool printLine(std::string line) {
   return true;
 }
 
-std::string formatLine(const std::string& address, const std::string& netmask,
-                       const std::string& interface, bool isPrimary) {
-  std::string line;
-  line.reserve(address.size() + netmask.size() + interface.size() + sizeof("   0\n"));
-  line.append(address).append(1, ' ').append(netmask).append(1, ' ').append(interface);
-  line.append(isPrimary ? " 1" : " 0");
-  return line;
+// Replaces the text of the line. The caller reuses the line, which saves allocations.
+void formatLine(std::string& line, const std::string& address, const std::string& netmask,
+                const std::string& interface, bool isPrimary) {
+  line.assign(address).append(1, ' ').append(netmask).append(1, ' ').append(interface);
+  line.append(isPrimary ? " 1\n" : " 0\n");
 }
 
 // Keeps the last netmask text, because neighbouring addresses usually share their prefix length.
@@ -67,15 +64,17 @@ class NetmaskCache {
 };
 
 bool printAddresses(const InterfaceRecord& interface, NetmaskCache& netmasks) {
+  std::string line;
   bool isPrimary = true;
   for (const AddressRecord& record : interface.ipv4) {
-    const std::string& netmask = netmasks.netmaskOf(record);
-    if (!printLine(formatLine(record.address, netmask, interface.name, isPrimary))) return false;
+    formatLine(line, record.address, netmasks.netmaskOf(record), interface.name, isPrimary);
+    if (!printLine(line)) return false;
     isPrimary = false;
   }
   return std::ranges::all_of(interface.ipv6, [&](const AddressRecord& record) {
     const std::string prefixLength = std::to_string(record.prefixLength);
-    return printLine(formatLine(record.address, prefixLength, interface.name, false));
+    formatLine(line, record.address, prefixLength, interface.name, false);
+    return printLine(line);
   });
 }
 
@@ -101,7 +100,7 @@ std::string mainAddress() {
 }
 
 void printMainAddress() {
-  printLine(mainAddress());
+  printLine(mainAddress() + '\n');
 }
 
 void printInterfaceNames() {
@@ -110,7 +109,7 @@ void printInterfaceNames() {
     names.insert(baseInterfaceName(interface.name));
   }
   for (const std::string& name : names) {
-    if (!printLine(name)) return;
+    if (!printLine(name + '\n')) return;
   }
 }
 

@@ -34,10 +34,10 @@ char* skipSpace(char* text) {
   return text;
 }
 
-// Returns the end of the value. The first character always belongs to the value.
+// Returns the end of the value, which starts with neither white space nor a comment.
 char* endOfValue(char* value) {
   char* marker = nullptr;
-  char* next = value + 1;
+  char* next = value;
   for (; !isEndOrComment(*next); ++next) {
     // A second white-space character clears the marker again (required, see the header).
     marker = isSpace(*next) && marker == nullptr ? next : nullptr;
