@@ -1,9 +1,11 @@
-// Passes datagrams to an AddressCollector, each in heap memory of exactly its size.
+// Passes datagrams to an AddressCollector, each in heap memory of exactly its size, so the address
+// sanitizer finds every read beyond its end. Prints addresses in the messages of failed tests.
 #pragma once
 
 #include <sys/socket.h>
 
 #include <array>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -11,9 +13,22 @@
 
 #include "inventory/address_messages.h"
 #include "support/netlink_bytes.h"
-#include "support/printers.h"
 
-namespace addrtool::testing {
+namespace addrtool {
+
+inline void PrintTo(const AddressRecord& record, std::ostream* stream) {
+  *stream << record.address << '/' << record.prefixLength;
+}
+
+inline void PrintTo(const InterfaceAddresses& addresses, std::ostream* stream) {
+  for (const auto& record : addresses.primaryIPv4) PrintTo(record, &(*stream << " plain "));
+  for (const auto& [suffix, record] : addresses.aliases) {
+    PrintTo(record, &(*stream << " :" << suffix << ' '));
+  }
+  for (const auto& record : addresses.ipv6) PrintTo(record, &(*stream << ' '));
+}
+
+namespace testing {
 
 /// The interfaces of a machine: 1 is eth0, 2 is eth1, 3 is lo. Throws for any other index.
 inline std::string nameOfInterface(unsigned index) {
@@ -55,4 +70,5 @@ inline AddressDump collect(const std::vector<AddressMessage>& messages,
   return collect({datagramOf(messages)}, includeHostScope);
 }
 
-}  // namespace addrtool::testing
+}  // namespace testing
+}  // namespace addrtool

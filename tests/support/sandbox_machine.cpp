@@ -9,8 +9,6 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "support/patterns.h"
-
 namespace addrtool::testing {
 namespace {
 

@@ -1,5 +1,4 @@
 // Options and operands: which actions they run, which messages and exit statuses they cause.
-#include "support/patterns.h"
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {

@@ -7,7 +7,6 @@
 #include <cstdio>
 
 #include "support/netlink_bytes.h"
-#include "support/patterns.h"
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {

@@ -7,9 +7,6 @@ namespace {
 
 const std::string root = ADDRTOOL_ROOT_DIR;
 
-// This very program, on the PATH like all programs that the tests start.
-const std::string systemTests = "system_tests";
-
 class SandboxGuard : public ::testing::Test {
  protected:
   void SetUp() override { prepare("mount --rbind /proc/.sandbox/proc /proc"); }
@@ -18,7 +15,7 @@ class SandboxGuard : public ::testing::Test {
 
 TEST_F(SandboxGuard, RefusesToRunOutsideASandbox) {
   const std::vector<Lines> programs{
-      {systemTests, "--gtest_filter=Inventory.*"},
+      {"system_tests", "--gtest_filter=Inventory.*"},  // this very program
       {root + "/benchmarks/measure", "/tmp", "1", "0"},
       {"python3", root + "/tests/fault/concurrent_changes.py", "--rounds=1"},
       {"python3", root + "/tests/fault/inject_faults.py", "--every=1000"},
@@ -42,7 +39,7 @@ TEST_F(SandboxGuard, RefusesToRunOutsideASandbox) {
 }
 
 TEST_F(SandboxGuard, ListsTheTestsAnywhere) {
-  const Outcome outcome = runCommand({systemTests, "--gtest_list_tests"});
+  const Outcome outcome = runCommand({"system_tests", "--gtest_list_tests"});
   EXPECT_EQ(outcome.exitStatus, 0);
   EXPECT_NE(outcome.out.find("SandboxGuard.\n"), std::string::npos) << outcome.out;
 }

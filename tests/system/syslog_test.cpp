@@ -7,7 +7,6 @@
 #include <array>
 
 #include "runtime/logging.h"
-#include "support/patterns.h"
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {

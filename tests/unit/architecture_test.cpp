@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "support/files.h"
-#include "support/patterns.h"
 
 namespace addrtool::testing {
 namespace {

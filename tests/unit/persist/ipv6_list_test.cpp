@@ -9,8 +9,8 @@
 
 #include "persist/replace_file.h"
 #include "support/child_process.h"
+#include "support/collect.h"
 #include "support/files.h"
-#include "support/printers.h"
 
 namespace addrtool::testing {
 namespace {
