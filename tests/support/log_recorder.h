@@ -17,7 +17,6 @@ namespace addrtool::testing {
 struct LoggedMessage {
   int priority = 0;
   std::string text;
-
   bool operator==(const LoggedMessage&) const = default;
 };
 

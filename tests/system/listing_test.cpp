@@ -158,10 +158,12 @@ TEST(InterfaceNames, StopAtANameThatCannotBeWritten) {
   EXPECT_EQ(trace.outcome, silentSuccess);
 }
 
-// Runs the listing with a non-blocking pipe as its output. The reader starts when the pipe is full.
+// Runs the listing with a non-blocking pipe as its output. A slow reader lets the pipe fill up.
 Outcome listThroughNonBlockingPipe() {
   return runInChild([] {
-    std::FILE* const reader = popen("sleep 0.1; cat", "we");
+    std::FILE* const reader = popen(R"(python3 -c 'import os, time
+while text := os.read(0, 4096): os.write(1, text); time.sleep(0.002)')",
+                                    "we");
     fcntl(fileno(reader), F_SETFL, O_NONBLOCK);
     dup2(fileno(reader), STDOUT_FILENO);
     const int status = std::system("addrtool --list");
