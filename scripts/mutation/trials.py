@@ -22,6 +22,7 @@ import time
 
 PROGRAMS = ("addrtool", "print_inventory", "unit_tests", "system_tests")
 MEMORY_BYTES = 4_000_000_000  # stops a change that allocates without end
+FILE_BYTES = 100_000_000  # stops a change that writes without end
 COMMAND_SECONDS, WHOLE_BUILD_SECONDS = 300, 3600
 
 
@@ -131,17 +132,19 @@ class Build:
             require(*words, cwd=self.folder)
 
     def test(self, folder, program, tests, seconds):
-        """Runs tests in a sandbox with the programs of the folder. Stops at the first failure."""
+        """Runs tests in a sandbox with the programs of the folder, which takes what a stopped test
+        leaves behind. Stops at the first failure."""
         return run(
             "prlimit",
             f"--as={self.memory}",
+            f"--fsize={FILE_BYTES}",
             self.tree / "scripts" / "sandbox",
             folder / program,
             "--gtest_brief=1",
             "--gtest_fail_fast",
             f"--gtest_filter={tests}",
             seconds=seconds,
-            env=dict(os.environ, ADDRTOOL_BIN_DIR=str(folder)),
+            env=dict(os.environ, ADDRTOOL_BIN_DIR=str(folder), TMPDIR=str(folder)),
         )
 
     def test_names(self, program):
