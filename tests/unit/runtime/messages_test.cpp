@@ -74,14 +74,14 @@ TEST(PrintMessage, BeginsWithTheLastComponentOfTheProgramName) {
   for (const auto* name : {"bin/", "/", ""}) expectPrinted(name, "text\n");
 }
 
-void printDisabledLog() {
-  logEnabled = 0;
-  logMessage(3, "text");
-}
-
 // Messages and the log, whatever logEnabled says.
 const std::map<std::string, std::function<void()>> printers{
-    {"message", [] { printMessage("text", 0, 1); }}, {"log", printDisabledLog}};
+    {"message", [] { printMessage("text", 0, 1); }},
+    {"enabled log", [] { logMessage(3, "text"); }},
+    {"disabled log", [] {
+       logEnabled = 0;
+       logMessage(3, "text");
+     }}};
 
 TEST(MessagesAndLog, FlushBothStreams) {
   for (const auto& [name, print] : printers) {
