@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Runs several adds and deletes at the same time, as a panel may, and looks for torn files.
 
 Runs inside scripts/sandbox. There is no lock, so changes do get lost; what may be

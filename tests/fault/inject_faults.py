@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Makes each system call of addrtool fail in turn, and kills addrtool at each of them.
 
 Runs inside scripts/sandbox. For each scenario a run without a fault gives the

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Adds, lists and deletes thousands of addresses, and watches memory and descriptors.
 
 Runs inside scripts/sandbox, on one interface and then on many. Most addresses are

@@ -161,7 +161,7 @@ TEST(InterfaceNames, StopAtANameThatCannotBeWritten) {
 // Runs the listing with a non-blocking pipe as its output. A slow reader lets the pipe fill up.
 Outcome listThroughNonBlockingPipe() {
   return runInChild([] {
-    std::FILE* const reader = popen(R"(python3 -c 'import os, time
+    std::FILE* const reader = popen(R"(/usr/bin/python3 -c 'import os, time
 while text := os.read(0, 4096): os.write(1, text); time.sleep(0.002)')",
                                     "we");
     fcntl(fileno(reader), F_SETFL, O_NONBLOCK);

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Walks at random through adds, deletes, listings and checks, and compares each step with a model.
 
 Runs inside scripts/sandbox. A walk changes several interfaces and their files, by
