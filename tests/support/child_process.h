@@ -39,7 +39,8 @@ inline Outcome onBothStreams(const std::string& text, int status = 0) {
 
 void PrintTo(const Outcome& outcome, std::ostream* stream);
 
-/// Runs the command (found on the PATH) to its end, without standard input.
+/// Runs the command (found on the PATH) to its end, without standard input. Throws if there is
+/// no such program.
 Outcome runCommand(const std::vector<std::string>& command);
 
 /// Runs `sh -c script`.
