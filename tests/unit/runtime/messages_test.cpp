@@ -75,16 +75,17 @@ TEST(PrintMessage, BeginsWithTheLastComponentOfTheProgramName) {
 }
 
 // Messages and the log, whatever logEnabled says.
-const std::map<std::string, std::function<void()>> printers{
-    {"message", [] { printMessage("text", 0, 1); }},
-    {"enabled log", [] { logMessage(3, "text"); }},
-    {"disabled log", [] {
-       logEnabled = 0;
-       logMessage(3, "text");
-     }}};
+std::map<std::string, std::function<void()>> printers() {
+  return {{"message", [] { printMessage("text", 0, 1); }},
+          {"enabled log", [] { logMessage(3, "text"); }},
+          {"disabled log", [] {
+             logEnabled = 0;
+             logMessage(3, "text");
+           }}};
+}
 
 TEST(MessagesAndLog, FlushBothStreams) {
-  for (const auto& [name, print] : printers) {
+  for (const auto& [name, print] : printers()) {
     SCOPED_TRACE(name);
     expectInChild(onBothStreams("text\n"), [&function = print] {
       std::setvbuf(stderr, nullptr, _IOFBF, BUFSIZ);
@@ -95,13 +96,13 @@ TEST(MessagesAndLog, FlushBothStreams) {
 }
 
 TEST(MessagesAndLog, UseStandardErrorFirst) {
-  for (const auto& [name, print] : printers) {
+  for (const auto& [name, print] : printers()) {
     EXPECT_EQ(runWithBrokenOutput(print), (Outcome{-1, SIGPIPE, "", "text\n"})) << name;
   }
 }
 
 TEST(MessagesAndLog, UseStandardOutputEvenIfStandardErrorFails) {
-  for (const auto& [name, print] : printers) {
+  for (const auto& [name, print] : printers()) {
     SCOPED_TRACE(name);
     expectInChild(success("text\n"), [&function = print] {
       close(STDERR_FILENO);
