@@ -48,7 +48,7 @@ __attribute__((format(printf, 2, 3))) void logThroughList(int priority, const ch
 }
 
 std::string received(int priority, const std::string& text, const std::string& ident = "panel") {
-  return "<" + std::to_string(priority) + ">" + ident + "[" + std::to_string(getpid()) +
+  return '<' + std::to_string(priority) + ">" + ident + "[" + std::to_string(getpid()) +
          "]: " + text;
 }
 
