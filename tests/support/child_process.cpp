@@ -15,18 +15,15 @@
 namespace addrtool::testing {
 namespace {
 
-// A memory file takes any amount of output, unlike a pipe, which blocks when it is full.
-int makeMemoryFile(const char* name) {
-  const int fd = memfd_create(name, MFD_CLOEXEC);
-  if (fd == -1) throw std::runtime_error("memfd_create failed");
-  return fd;
-}
+using Streams = std::array<int, 3>;  // of input, which stays empty, output and errors
 
-struct ChildFiles {
-  int in = makeMemoryFile("in");  // stays empty
-  int out = makeMemoryFile("out");
-  int err = makeMemoryFile("err");
-};
+// A memory file takes any amount of output, unlike a pipe, which blocks when it is full.
+Streams makeStreams() {
+  Streams streams{};
+  for (int& fd : streams) fd = memfd_create("stream", MFD_CLOEXEC);
+  if (streams.back() == -1) throw std::runtime_error("memfd_create failed");
+  return streams;
+}
 
 std::string takeContents(int fd) {
   std::string contents = readFile("/proc/self/fd/" + std::to_string(fd));
@@ -34,12 +31,12 @@ std::string takeContents(int fd) {
   return contents;
 }
 
-Outcome waitFor(pid_t child, const ChildFiles& files) {
+Outcome waitFor(pid_t child, const Streams& streams) {
   int status = 0;
   waitpid(child, &status, 0);
-  close(files.in);
+  close(streams[0]);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, WIFSIGNALED(status) ? WTERMSIG(status) : 0,
-          takeContents(files.out), takeContents(files.err)};
+          takeContents(streams[1]), takeContents(streams[2])};
 }
 
 }  // namespace
@@ -52,18 +49,16 @@ void PrintTo(const Outcome& outcome, std::ostream* stream) {
 }
 
 Outcome runInChild(const std::function<void()>& function) {
-  const ChildFiles files;
+  const Streams streams = makeStreams();
   std::fflush(nullptr);
   const pid_t child = fork();
   if (child == -1) throw std::runtime_error("fork failed");
   if (child == 0) {
-    dup2(files.in, STDIN_FILENO);
-    dup2(files.out, STDOUT_FILENO);
-    dup2(files.err, STDERR_FILENO);
+    for (int fd = 0; const int stream : streams) dup2(stream, fd++);
     function();
     std::exit(0);
   }
-  return waitFor(child, files);
+  return waitFor(child, streams);
 }
 
 Outcome runWithBrokenOutput(const std::function<void()>& function) {
@@ -81,22 +76,21 @@ Outcome runWithBrokenOutput(const std::function<void()>& function) {
 // posix_spawn does not copy the page tables, which are large in a sanitized process.
 Outcome runCommand(const std::vector<std::string>& command) {
   std::vector<char*> arguments;
-  arguments.reserve(command.size() + 1);
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
 
-  const ChildFiles files;
+  const Streams streams = makeStreams();
   posix_spawn_file_actions_t redirections;
   posix_spawn_file_actions_init(&redirections);
-  posix_spawn_file_actions_adddup2(&redirections, files.in, STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&redirections, files.out, STDOUT_FILENO);
-  posix_spawn_file_actions_adddup2(&redirections, files.err, STDERR_FILENO);
+  for (int fd = 0; const int stream : streams) {
+    posix_spawn_file_actions_adddup2(&redirections, stream, fd++);
+  }
   pid_t child = 0;
   const int error =
       posix_spawnp(&child, arguments.front(), &redirections, nullptr, arguments.data(), environ);
   posix_spawn_file_actions_destroy(&redirections);
   if (error != 0) throw std::runtime_error(command.front() + ": cannot be started");
-  return waitFor(child, files);
+  return waitFor(child, streams);
 }
 
 Outcome runShell(const std::string& script) {

@@ -39,8 +39,7 @@ inline Outcome onBothStreams(const std::string& text, int status = 0) {
 
 void PrintTo(const Outcome& outcome, std::ostream* stream);
 
-/// Runs the command (found on the PATH) to its end, without standard input. Throws if there is
-/// no such program.
+/// Runs the command (found on the PATH) to its end, without standard input.
 Outcome runCommand(const std::vector<std::string>& command);
 
 /// Runs `sh -c script`.
