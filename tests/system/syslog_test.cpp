@@ -6,7 +6,7 @@
 
 #include <array>
 
-#include "runtime/logging.h"
+#include "support/log_recorder.h"
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {
@@ -39,13 +39,6 @@ class LogSocket {
  private:
   int fd_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
 };
-
-__attribute__((format(printf, 2, 3))) void logThroughList(int priority, const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  logMessageV(priority, format, arguments);
-  va_end(arguments);
-}
 
 std::string received(int priority, const std::string& text, const std::string& ident = "panel") {
   return '<' + std::to_string(priority) + ">" + ident + "[" + std::to_string(getpid()) +

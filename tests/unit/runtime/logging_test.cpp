@@ -8,6 +8,7 @@
 #include <map>
 
 #include "support/child_process.h"
+#include "support/log_recorder.h"
 
 namespace addrtool::testing {
 namespace {
@@ -19,13 +20,6 @@ TEST(LogSettings, DefaultToTheConsoleAndLevelInfo) {
   EXPECT_EQ(logFacility, 16);
   EXPECT_EQ(logMessage, consoleLog);
   EXPECT_EQ(logMessageV, consoleLogV);
-}
-
-__attribute__((format(printf, 2, 3))) void logThroughList(int priority, const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  logMessageV(priority, format, arguments);
-  va_end(arguments);
 }
 
 TEST(ConsoleLog, PrintsFormattedLinesOnBothStreams) {
