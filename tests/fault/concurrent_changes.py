@@ -161,8 +161,7 @@ class Rounds:
 
     def adds(self):
         start_over(3)
-        commands = commands_to_add(range(100, 104), range(0x100, 0x104))
-        before, after = self.run_at_once(*commands)
+        before, after = self.run_at_once(*commands_to_add(range(100, 104), range(0x100, 0x104)))
         wanted = before.ipv6 | {ipv6(number) for number in range(0x100, 0x104)}
         made = len(after.aliases) - len(before.aliases)
         self.figures["IPv4 adds that shared a number"] += 4 - made

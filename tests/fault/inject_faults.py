@@ -118,15 +118,13 @@ class Scenario:
 
     def check_status(self, fault, run):
         if fault.kind == KILL:
-            is_killed = run.status in (-9, 137)
-            self.require(is_killed, fault, f"killed, but the status is {run.status}")
+            self.require(run.status in (-9, 137), fault, f"killed, but the status is {run.status}")
         elif run.status not in (0, 1):
             # Ended by the C library. The files are looked at all the same.
             is_fatal = fault.is_start or fault.call in FATAL_IN_THE_C_LIBRARY
             self.require(is_fatal, fault, f"status {run.status}: {run.err!r}")
         elif run.status == 1:
-            has_message = re.fullmatch(r"(?s).+\n", run.err)
-            self.require(has_message, fault, "status 1 without a message")
+            self.require(re.fullmatch(r"(?s).+\n", run.err), fault, "status 1 without a message")
         else:
             is_done = run.running == self.after.running
             self.require(is_done, fault, f"status 0, but the addresses are {sorted(run.running)}")

@@ -223,9 +223,8 @@ def try_under_valgrind(program, interface):
     for status, *arguments in [
         (0, "--list", "--qv-assigned-ip", ipv4, "--add", name, ipv4, NETMASK),
         (0, "--del", ipv4, "--add", name, ipv6, "64"),
-        (0, "--del", ipv6),
+        (1, "--del", ipv6, "--add", "nowhere", ipv4, NETMASK),
         (1, "--del", interface.ipv4(0)),
-        (1, "--add", "nowhere", ipv4, NETMASK),
         (1, "--add", name, ipv6, "no number"),
         (2, "--help"),
     ]:

@@ -49,9 +49,7 @@ std::FILE* openTexts(std::queue<std::string>& texts) {
 
 std::vector<std::string> listDirectory(const fs::path& path) {
   std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(path)) {
-    names.push_back(entry.path().filename().string());
-  }
+  for (const auto& entry : fs::directory_iterator(path)) names.push_back(entry.path().filename());
   std::sort(names.begin(), names.end());
   return names;
 }

@@ -6,9 +6,7 @@
 #include <filesystem>
 #include <map>
 #include <set>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "support/files.h"
 
@@ -65,9 +63,7 @@ Arrows includedFolders(const Arrows& linked) {
 Arrows drawnFolders() {
   const std::string text = readFile(root / "docs/architecture.md");
   Arrows arrows;
-  for (const auto& match : findAll(text, R"((\w+) --> (\w+))")) {
-    arrows[match[1]].insert(match[2]);
-  }
+  for (const auto& match : findAll(text, R"((\w+) --> (\w+))")) arrows[match[1]].insert(match[2]);
   return arrows;
 }
 

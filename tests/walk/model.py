@@ -225,8 +225,7 @@ class Run:
         left = {suffix for each in after for suffix, _ in each.aliases} | {deleted_suffix}
         for suffix, address in before.aliases:
             if suffix not in left:
-                label = short_label(f"{before.name}:{suffix}")
-                self.alias_up(label, address.ip, address.prefix)
+                self.alias_up(short_label(f"{before.name}:{suffix}"), address.ip, address.prefix)
 
     def delete_ipv6(self, text):
         for interface in inventory(self.kernel):

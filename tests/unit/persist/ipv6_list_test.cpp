@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <map>
 #include <utility>
 
 #include "persist/replace_file.h"
