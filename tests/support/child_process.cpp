@@ -76,6 +76,7 @@ Outcome runWithBrokenOutput(const std::function<void()>& function) {
 // posix_spawn does not copy the page tables, which are large in a sanitized process.
 Outcome runCommand(const std::vector<std::string>& command) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
 
