@@ -27,8 +27,7 @@ void addAddress(const std::string& interface, const std::string& address,
 void addIPv4Address(const std::string& interface, const AddressRecord& record);
 
 /// Adds the record to the interface itself and to the list in the interface's file. Checks nothing
-/// before the command runs, except that the kernel can hold the interface's name. Raises what
-/// addIPv6ToRunningInterface raises.
+/// before the command runs. Raises what runIfconfig raises.
 void addIPv6Address(const std::string& interface, const AddressRecord& record);
 
 /// Returns the lowest number from 1 up that is not a key of the aliases, in decimal. Returns an

@@ -45,7 +45,6 @@ void takeDownAlias(const std::string& label) {
 }
 
 void addIPv6ToRunningInterface(const std::string& interface, const AddressRecord& record) {
-  requireShortLabel(interface);
   runIfconfig(interface + " add " + formatIPv6Entry(record));
 }
 

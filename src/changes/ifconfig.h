@@ -30,8 +30,7 @@ void bringUpAlias(const std::string& label, const AddressRecord& record);
 /// Takes an alias down, which removes its address. Raises as bringUpAlias does.
 void takeDownAlias(const std::string& label);
 
-/// Adds an IPv6 address to the running interface. Nothing is quoted. The operand of the user, an
-/// interface or an alias label, may be too long. Raises as bringUpAlias does.
+/// Adds an IPv6 address to the running interface. Nothing is quoted or checked.
 void addIPv6ToRunningInterface(const std::string& interface, const AddressRecord& record);
 
 /// Removes an IPv6 address from the running interface. Nothing is quoted.
