@@ -2,7 +2,6 @@
 // turns a failure into a message and an exit status.
 #include <getopt.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -36,66 +35,41 @@ struct Request {
   }
 };
 
-template <PlainAction action>
-void queuePlain(Request& request) {
-  request.plainActions.push(action);
-}
-
-template <ArgumentAction action>
-void queueWithArgument(Request& request) {
-  request.argumentActions.emplace(action, optarg);
-}
-
-void setAddInterface(Request& request) {
-  request.addInterface = optarg;
-}
-
-void ignore(Request& /*request*/) {}
-
-struct Option {
-  const char* longName;
-  char letter;   // zero: there is only the long form
-  int argument;  // no_argument or required_argument
-  void (*apply)(Request& request);
-};
-
-// The one place that lists the options; the usage text describes them.
-constexpr auto options = std::to_array<Option>({
-    {"list", 'l', no_argument, queuePlain<listAddresses>},
-    {"add", 'a', required_argument, setAddInterface},
-    {"del", 'd', required_argument, queueWithArgument<deleteAddress>},
-    {"main", '\0', no_argument, ignore},
-    {"help", 'h', no_argument, queuePlain<printUsage>},
-    {"qv-assigned-ip", 'v', required_argument, queueWithArgument<printContainerCheck>},
-});
-
-constexpr auto longOptions = [] {
-  std::array<option, options.size() + 1> rows{};  // a row of zeros ends the table
-  std::ranges::transform(options, rows.begin(), [](const Option& known) {
-    return option{known.longName, known.argument, nullptr, known.letter};
-  });
-  return rows;
-}();
-
-std::string shortOptions() {
-  std::string text;
-  for (const Option& known : options) {
-    if (known.letter == '\0') continue;
-    text += known.letter;
-    if (known.argument == required_argument) text += ':';
-  }
-  return text;
-}
-
 Request parseOptions(int argc, char** argv) {
-  const std::string letters = shortOptions();
+  // Each option is in the table and in the switch, and in the short options unless it is long-only.
+  static constexpr auto longOptions = std::to_array<option>({
+      {"list", no_argument, nullptr, 'l'},
+      {"add", required_argument, nullptr, 'a'},
+      {"del", required_argument, nullptr, 'd'},
+      {"main", no_argument, nullptr, 'm'},
+      {"help", no_argument, nullptr, 'h'},
+      {"qv-assigned-ip", required_argument, nullptr, 'v'},
+      {nullptr, 0, nullptr, 0},
+  });
   Request request;
   int letter = 0;
-  while ((letter = getopt_long(argc, argv, letters.c_str(), longOptions.data(), nullptr)) != -1) {
-    // A bad option gives '?', which is not in the table. getopt has already reported it, and the
-    // other options still count.
-    const auto* found = std::ranges::find(options, letter, &Option::letter);
-    if (found != options.end()) found->apply(request);
+  while ((letter = getopt_long(argc, argv, "lhd:v:a:", longOptions.data(), nullptr)) != -1) {
+    switch (letter) {
+      case 'l':
+        request.plainActions.push(listAddresses);
+        break;
+      case 'a':
+        request.addInterface = optarg;
+        break;
+      case 'd':
+        request.argumentActions.emplace(deleteAddress, optarg);
+        break;
+      case 'm':  // accepted, but does nothing
+        break;
+      case 'h':
+        request.plainActions.push(printUsage);
+        break;
+      case 'v':
+        request.argumentActions.emplace(printContainerCheck, optarg);
+        break;
+      default:  // '?': a bad option, which getopt has reported; the other options still count
+        break;
+    }
   }
   return request;
 }

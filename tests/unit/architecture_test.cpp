@@ -83,5 +83,28 @@ TEST(Architecture, TheDiagramDrawsWhatIsLinked) {
   EXPECT_EQ(drawnFolders(), withoutLeaves(linkedFolders()));
 }
 
+// The options of the program: the table of getopt_long, the short options and the switch.
+TEST(Architecture, EachOptionIsInTheTableTheShortOptionsAndTheSwitch) {
+  const std::string text = readFile(root / "src/cli/main.cpp");
+  std::multiset<std::string> table;
+  std::multiset<std::string> shortOptions;
+  std::multiset<std::string> cases;
+  for (const auto& row :
+       findAll(text, R"re(\{"[^"]+", (no|required)_argument, \w+, '?([^'}]+)'?\},)re")) {
+    table.insert(row[2] + (row[1] == "required" ? ":" : ""));
+  }
+  const auto call = findAll(text, R"re(getopt_long\([^"]*"([^"]*)")re").at(0);
+  for (const auto& match : findAll(call[1], ".:?")) {
+    shortOptions.insert(match[0]);
+  }
+  for (const auto& match : findAll(text, R"re(case '(.)':([^:]*optarg)?)re")) {
+    cases.insert(match[1] + (match[2].empty() ? "" : ":"));
+  }
+  EXPECT_EQ(std::set<std::string>(table.begin(), table.end()).size(), table.size());
+  EXPECT_EQ(cases, table);
+  shortOptions.insert("m");  // --main has no short form
+  EXPECT_EQ(shortOptions, table);
+}
+
 }  // namespace
 }  // namespace addrtool::testing
