@@ -15,8 +15,8 @@
 namespace addrtool {
 namespace {
 
-// Whether a failed write should be retried. When standard output is non-blocking and full, this
-// first waits until it takes more.
+// Whether a write that returned -1 should be retried. When standard output is non-blocking and
+// full, this first waits until it takes more.
 bool canRetryWrite() {
   if (errno == EAGAIN) {
     pollfd output{STDOUT_FILENO, POLLOUT, {}};
@@ -33,7 +33,7 @@ bool printLine(std::string_view line) {
     const ssize_t written = write(STDOUT_FILENO, line.data(), line.size());
     if (written > 0) {
       line.remove_prefix(static_cast<std::size_t>(written));
-    } else if (!canRetryWrite()) {
+    } else if (written != -1 || !canRetryWrite()) {
       return false;
     }
   }

@@ -151,6 +151,17 @@ TEST(Listing, ContinuesAfterAShortOrInterruptedWriteAndStopsAtAFailure) {
   }
 }
 
+// A result of 0 sets no errno. The close of the socket, right before it, leaves EINTR there.
+TEST(Listing, StopsAtAWriteOfNothingWhateverErrnoSays) {
+  const Lines calls = traceCommand({"trace=close,write"}, {"addrtool", "-l"}).calls;
+  const auto closes = callsStarting("close(", callsBefore("write(1, ", calls)).size();
+  EXPECT_EQ(traceCommand({"trace=close,write", "inject=write:retval=0:when=1",
+                          "inject=close:error=EINTR:when=" + std::to_string(closes)},
+                         {"addrtool", "-l"})
+                .outcome,
+            silentSuccess);
+}
+
 TEST(InterfaceNames, StopAtANameThatCannotBeWritten) {
   addInterface("eth1", {"10.1.0.1/16"});
   const Trace trace = traceCommand({"trace=write", "inject=write:error=ENOSPC:when=1"},
