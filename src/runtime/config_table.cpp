@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <span>
-#include <string_view>
 
 #include "runtime/logging.h"
 
@@ -46,21 +45,21 @@ std::span<ConfigEntry> entriesOf(const RuntimeConfiguration& table) {
   return {table.entries, table.count};
 }
 
-std::string_view nameOf(const ConfigEntry& entry) {
-  return entry.name;
+bool precedes(const char* left, const char* right) {
+  return std::strcmp(left, right) < 0;
 }
 
 ConfigEntry* findLinearly(const RuntimeConfiguration& table, const char* name) {
   for (ConfigEntry& entry : entriesOf(table)) {
-    if (nameOf(entry) == name) return &entry;
+    if (std::strcmp(entry.name, name) == 0) return &entry;
   }
   return nullptr;
 }
 
 ConfigEntry* findSorted(const RuntimeConfiguration& table, const char* name) {
   const auto entries = entriesOf(table);
-  const auto found = std::ranges::lower_bound(entries, std::string_view(name), {}, nameOf);
-  return found != entries.end() && nameOf(*found) == name ? &*found : nullptr;
+  const auto found = std::ranges::lower_bound(entries, name, precedes, &ConfigEntry::name);
+  return found != entries.end() && std::strcmp(found->name, name) == 0 ? &*found : nullptr;
 }
 
 }  // namespace
@@ -101,7 +100,7 @@ int setConfigEntry(RuntimeConfiguration* table, const char* name, const char* va
 
 void sortConfig(RuntimeConfiguration* table) {
   if (table->sorted != 0) return;
-  std::ranges::sort(entriesOf(*table), {}, nameOf);
+  std::ranges::sort(entriesOf(*table), precedes, &ConfigEntry::name);
   table->sorted = 1;
 }
 
