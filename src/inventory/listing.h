@@ -1,6 +1,7 @@
 // Prints the inventory on standard output, with one write(2) for each line. This bypasses stdio:
 // text still in stdout's buffer appears later. If standard output is non-blocking and full, the
-// functions wait. After any other write error they stop printing and raise nothing.
+// functions wait. After any other write error they stop printing and raise nothing. The program
+// itself calls only listAddresses.
 #pragma once
 
 #include <string>

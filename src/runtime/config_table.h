@@ -1,5 +1,6 @@
 // A table of names and values, each name once, which holds the content of a configuration file.
-// C-style: results are 0, or -1 with errno set. No function here throws.
+// C-style: results are 0, or -1 with errno set. No function here throws. The program itself only
+// loads a table: it never calls findConfigEntry.
 #pragma once
 
 #include <syslog.h>

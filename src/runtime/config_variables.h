@@ -1,5 +1,5 @@
 // The variables of the panel's runtime configuration file, each with an index, a name and a default
-// value. The first and the last one are sentinels.
+// value. The first and the last one are sentinels. The program itself never asks for a variable.
 #pragma once
 
 #include <array>

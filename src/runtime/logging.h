@@ -1,6 +1,7 @@
 // The log function of the support library, which can be replaced at run time. It sends messages
 // with a priority to the console or to syslog(3). The settings are process-wide. By default,
-// messages with a priority number of at most 6 go to standard error and to standard output.
+// messages with a priority number of at most 6 go to standard error and to standard output. The
+// program itself keeps the default settings: it calls neither initLogging nor setLogLevel.
 #pragma once
 
 #include <cstdarg>

@@ -1,7 +1,8 @@
 // The message function of the support library: it formats a text, prints it on standard error and
 // on standard output, and can end the process. Three functions that check an argument use it.
 // C-style: no function here throws. errno is an input: if it is not 0, the message ends with that
-// error, even if it has nothing to do with the message.
+// error, even if it has nothing to do with the message. The program itself calls only
+// checkLeftoverArguments.
 #pragma once
 
 #include <cstddef>

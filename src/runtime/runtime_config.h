@@ -1,6 +1,6 @@
 // The panel's runtime configuration: /etc/kel/kel.conf, which is read when it is first needed, and
 // compile-time defaults. C-style: no function here throws. The library owns the returned texts,
-// which stay valid until the process ends.
+// which stay valid until the process ends. The program itself calls only loadRuntimeConfiguration.
 #pragma once
 
 #include "runtime/config_variables.h"
