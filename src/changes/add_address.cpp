@@ -5,9 +5,12 @@
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
+#include <string>
 #include <system_error>
 
 #include "changes/ifconfig.h"
+#include "inventory/address_dump.h"
+#include "inventory/address_record.h"
 #include "inventory/kernel_addresses.h"
 #include "persist/alias_file.h"
 #include "persist/ipv6_list.h"
@@ -18,10 +21,11 @@ namespace addrtool {
 void addAddress(const std::string& interface, const std::string& address,
                 const std::string& netmaskOrPrefix) {
   if (address.find(':') == std::string::npos) {
-    addIPv4Address(interface, {address, netmaskToPrefix(netmaskOrPrefix)});
+    addIPv4Address(interface,
+                   {.address = address, .prefixLength = netmaskToPrefix(netmaskOrPrefix)});
     return;
   }
-  AddressRecord record{address};
+  AddressRecord record{.address = address};
   if (parseUnsigned16(netmaskOrPrefix.c_str(), &record.prefixLength) != 0) {
     throw std::runtime_error(netmaskOrPrefix + ": cannot convert to int");
   }
@@ -41,12 +45,12 @@ void addIPv4Address(const std::string& interface, const AddressRecord& record) {
     throw std::runtime_error(interface + ": no free alias number.");
   }
   bringUpAlias(label, record);
-  writeAliasFile({label, record});
+  writeAliasFile({.label = label, .address = record});
 }
 
 void addIPv6Address(const std::string& interface, const AddressRecord& record) {
   addIPv6ToRunningInterface(interface, record);
-  addIPv6ToInterfaceFile({interface, record});
+  addIPv6ToInterfaceFile({.label = interface, .address = record});
 }
 
 std::string lowestFreeAliasNumber(const AliasMap& aliases) {
@@ -57,7 +61,7 @@ std::string lowestFreeAliasNumber(const AliasMap& aliases) {
     const char* const end = suffix.data() + suffix.size();
     const auto parsed = std::from_chars(suffix.data(), end, number);
     // The suffix 01 makes another label than 1, so it takes no number.
-    if (parsed == std::from_chars_result{end, std::errc{}} && suffix.front() != '0') {
+    if (parsed.ptr == end && parsed.ec == std::errc{} && suffix.front() != '0') {
       taken.set(number);
     }
   }

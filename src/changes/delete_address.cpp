@@ -4,9 +4,12 @@
 #include <cstdint>
 #include <iterator>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "changes/ifconfig.h"
+#include "inventory/address_dump.h"
+#include "inventory/address_record.h"
 #include "inventory/kernel_addresses.h"
 #include "persist/alias_file.h"
 #include "persist/ipv6_list.h"
@@ -25,7 +28,8 @@ void deleteIPv6FromInterface(const std::string& interface, const AddressRecord& 
                              const std::string& addressAsTyped) {
   constexpr std::uint16_t ignoredLength = 32;  // the removal only uses the address text
   removeIPv6FromRunningInterface(interface, record);
-  removeIPv6FromInterfaceFile({interface, {addressAsTyped, ignoredLength}});
+  removeIPv6FromInterfaceFile(
+      {.label = interface, .address = {.address = addressAsTyped, .prefixLength = ignoredLength}});
 }
 
 }  // namespace
@@ -46,7 +50,9 @@ void deleteIPv4Address(const std::string& address) {
       throw std::runtime_error(address + ": cannot delete main IP on interface");
     }
     for (const auto& [suffix, record] : addresses.aliases) {
-      if (record.address == address) return deleteAlias(interface, addresses.aliases, suffix);
+      if (record.address != address) continue;
+      deleteAlias(interface, addresses.aliases, suffix);
+      return;
     }
   }
   throw std::runtime_error(address + ": not configured.");
@@ -63,7 +69,8 @@ void deleteIPv6Address(const std::string& address) {
     if (addresses.ipv6.size() == 1) {
       throw std::runtime_error(address + ": cannot remove last address from " + interface);
     }
-    return deleteIPv6FromInterface(interface, *found, address);
+    deleteIPv6FromInterface(interface, *found, address);
+    return;
   }
   throw std::runtime_error(address + ": not configured");
 }

@@ -5,6 +5,9 @@
 
 #include <cstdlib>
 #include <stdexcept>
+#include <string>
+
+#include "inventory/address_record.h"
 
 namespace addrtool {
 namespace {

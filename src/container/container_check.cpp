@@ -1,7 +1,9 @@
 #include "container/container_check.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace addrtool {

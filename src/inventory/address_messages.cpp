@@ -9,10 +9,17 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstring>
 #include <iterator>
+#include <optional>
+#include <span>
+#include <string>
 #include <string_view>
 #include <utility>
+
+#include "inventory/address_dump.h"
+#include "inventory/address_record.h"
 
 namespace addrtool {
 namespace {
@@ -69,7 +76,7 @@ struct AddressAttributes {
 };
 
 std::string_view textUpToNul(Bytes payload) {
-  const auto end = std::find(payload.begin(), payload.end(), std::byte{0});
+  const auto end = std::ranges::find(payload, std::byte{0});
   const auto size = static_cast<std::size_t>(end - payload.begin());
   return {reinterpret_cast<const char*>(payload.data()), size};
 }
@@ -150,7 +157,8 @@ void AddressCollector::collectMessage(Bytes message) {
 
   // On a point-to-point link, IFA_ADDRESS is the peer's address and IFA_LOCAL is our own.
   const Bytes own = attributes.local.empty() ? attributes.address : attributes.local;
-  AddressRecord record{isIPv4 ? ipv4Text(own) : ipv6Text(own), header.ifa_prefixlen};
+  AddressRecord record{.address = isIPv4 ? ipv4Text(own) : ipv6Text(own),
+                       .prefixLength = header.ifa_prefixlen};
   if (isIPv4) {
     addIPv4(attributes.label, std::move(record));
   } else if (record.address != "::2") {  // never managed, on purpose
@@ -161,7 +169,8 @@ void AddressCollector::collectMessage(Bytes message) {
 // The messages of one interface usually follow one another. Looking up a name costs three system
 // calls, so the last name is kept.
 void AddressCollector::selectInterface(unsigned index) {
-  if (!current_ || current_->index != index) current_ = {index, interfaceNamer_(index)};
+  if (current_ && current_->index == index) return;
+  current_ = {.index = index, .name = interfaceNamer_(index)};
 }
 
 InterfaceAddresses& AddressCollector::currentAddresses() {

@@ -5,8 +5,10 @@
 
 #include <array>
 #include <bit>
+#include <cstdint>
 #include <cstring>
 #include <stdexcept>
+#include <string>
 
 namespace addrtool {
 namespace {

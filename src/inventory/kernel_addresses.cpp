@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "inventory/address_dump.h"
 #include "inventory/address_messages.h"
 
 namespace addrtool {

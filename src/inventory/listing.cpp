@@ -5,12 +5,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <set>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 #include "inventory/address_inventory.h"
+#include "inventory/address_record.h"
 
 namespace addrtool {
 namespace {
@@ -19,7 +23,7 @@ namespace {
 // full, this first waits until it takes more.
 bool canRetryWrite() {
   if (errno == EAGAIN) {
-    pollfd output{STDOUT_FILENO, POLLOUT, {}};
+    pollfd output{.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
     if (poll(&output, 1, -1) != -1) return true;
   }
   return errno == EINTR;

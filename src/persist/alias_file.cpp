@@ -4,9 +4,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <stdexcept>
+#include <string>
 
+#include "inventory/address_record.h"
 #include "persist/replace_file.h"
 
 namespace addrtool {
@@ -14,7 +17,7 @@ namespace {
 
 // Only existence matters, not type or content.
 bool isSuseSystem() {
-  struct stat status {};
+  struct stat status{};
   return stat("/etc/SuSE-release", &status) == 0;
 }
 

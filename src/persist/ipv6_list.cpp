@@ -6,10 +6,15 @@
 #include <boost/algorithm/string/split.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <cstddef>
+#include <cstdio>
 #include <exception>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+#include <vector>
 
+#include "inventory/address_record.h"
+#include "persist/alias_file.h"
 #include "persist/replace_file.h"
 #include "runtime/messages.h"
 #include "runtime/parse_unsigned16.h"
@@ -51,7 +56,7 @@ AddressRecord parseEntry(const std::string& token) {
   std::vector<std::string> parts;
   boost::split(parts, token, boost::is_any_of("/"));
   if (parts.size() != 2) throw std::runtime_error(token + ": cannot parse IPv6 address");
-  AddressRecord entry{parts[0], 0};
+  AddressRecord entry{.address = parts[0], .prefixLength = 0};
   parseUnsigned16(parts[1].c_str(), &entry.prefixLength);
   return entry;
 }

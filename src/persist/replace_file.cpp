@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 
 namespace addrtool {
@@ -20,9 +21,9 @@ struct Attributes {
 };
 
 bool readAttributes(const char* path, Attributes& attributes) {
-  struct stat status {};
+  struct stat status{};
   if (stat(path, &status) == -1) return false;
-  attributes = {status.st_uid, status.st_gid, status.st_mode};
+  attributes = {.user = status.st_uid, .group = status.st_gid, .mode = status.st_mode};
   return true;
 }
 

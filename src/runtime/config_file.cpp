@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "runtime/config_table.h"
 #include "runtime/logging.h"
 
 namespace addrtool {
@@ -64,7 +65,7 @@ Definition cutDefinition(char* line) {
   }
   *endOfValue(value) = '\0';
   *nameEnd = '\0';
-  return {name, value};
+  return {.name = name, .value = value};
 }
 
 int logReadError() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <span>
@@ -92,7 +93,7 @@ int setConfigEntry(RuntimeConfiguration* table, const char* name, const char* va
     std::free(known->value);
     known->value = valueCopy;
   } else {
-    table->entries[table->count++] = {nameCopy, valueCopy};
+    table->entries[table->count++] = {.name = nameCopy, .value = valueCopy};
     table->sorted = 0;
   }
   return 0;

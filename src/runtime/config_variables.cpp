@@ -1,7 +1,10 @@
 #include "runtime/config_variables.h"
 
+#include <array>
+
 namespace addrtool {
 
+// NOLINTBEGIN(modernize-use-designated-initializers): each row is a name and its default
 const std::array<ConfigVariableInfo, configVariableCount> configVariables =
     std::to_array<ConfigVariableInfo>({
         {"_MIN_POSSIBLE_KEL_CONF_VAR_NAME", "_MIN_POSSIBLE_KEL_CONF_VAR_VALUE"},
@@ -35,5 +38,6 @@ const std::array<ConfigVariableInfo, configVariableCount> configVariables =
         {"PRODUCT_ROOT_D", "/usr/local/kel"},
         {"_MAX_POSSIBLE_KEL_CONF_VAR_NAME", "_MAX_POSSIBLE_KEL_CONF_VAR_VALUE"},
     });
+// NOLINTEND(modernize-use-designated-initializers)
 
 }  // namespace addrtool

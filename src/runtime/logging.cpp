@@ -4,6 +4,7 @@
 #include <syslog.h>
 
 #include <algorithm>
+#include <cstdarg>
 #include <cstdio>
 
 namespace addrtool {

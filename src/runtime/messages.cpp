@@ -78,7 +78,7 @@ void reportMessage(int status, int flag, const char* format, ...) {
     printMessage("Can't allocate memory for error message", status, flag);
     return;
   }
-  MessageBuffer buffer{text, initialSize, 0};
+  MessageBuffer buffer{.text = text, .size = initialSize, .length = 0};
   va_list arguments;
   va_start(arguments, format);
   formatText(buffer, format, arguments);

@@ -1,6 +1,7 @@
 #include "runtime/parse_unsigned16.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 

@@ -2,11 +2,13 @@
 
 #include <syslog.h>
 
+#include <array>
 #include <cstdlib>
 #include <cstring>
 
 #include "runtime/config_file.h"
 #include "runtime/config_table.h"
+#include "runtime/config_variables.h"
 #include "runtime/logging.h"
 
 namespace addrtool {

@@ -16,7 +16,7 @@ namespace {
 
 // The message with another value in one field, or with one more attribute.
 template <typename T>
-AddressMessage with(T AddressMessage::*field, unsigned value, AddressMessage message) {
+AddressMessage with(T AddressMessage::* field, unsigned value, AddressMessage message) {
   message.*field = static_cast<T>(value);
   return message;
 }

@@ -45,7 +45,7 @@ int playScript(std::FILE* oldFile, std::FILE* newFile, void* context) {
 }
 
 mode_t modeOf(const fs::path& path) {
-  struct stat status {};
+  struct stat status{};
   EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
   return status.st_mode & 07777U;
 }

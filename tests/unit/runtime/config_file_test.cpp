@@ -226,9 +226,9 @@ TEST_F(ConfigFile, AReadErrorKeepsItsErrnoWhenAPartialLineIsLogged) {
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
   const int writer = open(path.c_str(), O_RDWR | O_CLOEXEC);
   ASSERT_EQ(write(writer, "A 1\nB=2", 7), 7);
-  struct sigaction interrupt {};
+  struct sigaction interrupt{};
   interrupt.sa_handler = [](int /*signal*/) {};
-  struct sigaction before {};
+  struct sigaction before{};
   sigaction(SIGALRM, &interrupt, &before);
   constexpr itimerval every10Milliseconds{{0, 10000}, {0, 10000}};
   constexpr itimerval never{};
