@@ -11,6 +11,9 @@
 #   interface NAME ADDRESS ...
 #                          makes a second interface with an empty file of its own
 #   streams COMMAND ...    runs COMMAND; marks its output with "1: " and its errors with "2: "
+#   each WORDS ...         runs addrtool once with each of the arguments, split as the shell would. Shows
+#                          both streams and the status as streams does, but equal results only once,
+#                          below the words that gave them, and the usage text as (usage)
 #   record [SCRIPT]        from now on, /sbin/ifconfig prints its arguments in brackets and runs the
 #                          SCRIPT of bash, which may end with a status
 #   fail CALL ERROR ... addrtool ...
@@ -60,11 +63,26 @@ interface() {
 }
 
 streams() {
-  local status=0
+  local status=0 stream
   "$@" >/proc/.sandbox/1 2>/proc/.sandbox/2 </dev/null || status=$?
-  sed 's/^/1: /' /proc/.sandbox/1
-  sed 's/^/2: /' /proc/.sandbox/2
+  for stream in 1 2; do
+    sed "s/^/$stream: /" /proc/.sandbox/$stream
+    [[ -z $(tail -c 1 /proc/.sandbox/$stream | tr '\0' 0) ]] || echo ' (no line feed)'
+  done
   return "$status"
+}
+
+each() {
+  local i differ='' results=()
+  for ((i = 1; i <= $#; i++)); do
+    results[i]=$(eval "streams addrtool ${!i}" || echo "[$?]")
+    results[i]=$(sed '/^2: Usage: /,/this VE$/c\2: (usage)' <<<"${results[i]:-(nothing)}")
+    [[ ${results[i]} == "${results[1]}" ]] || differ=yes
+  done
+  for ((i = 1; i <= $#; i++)); do
+    [[ ! $differ ]] || echo "addrtool ${!i}"
+    [[ ${results[i]} == "${results[i + 1]-}" ]] || echo "${results[i]}"
+  done
 }
 
 record() {
