@@ -86,7 +86,7 @@ each() {
 }
 
 record() {
-  printf '%s\n' '#!/bin/bash' "printf 'ifconfig'; (($# == 0)) || printf ' [%s]' \"\$@\"; echo" \
+  printf '%s\n' '#!/bin/bash' "printf 'ifconfig'; ((\$# == 0)) || printf ' [%s]' \"\$@\"; echo" \
     "${1-}" >/proc/.sandbox/ifconfig
   chmod 755 /proc/.sandbox/ifconfig
   mount --bind /proc/.sandbox/ifconfig /sbin/ifconfig
