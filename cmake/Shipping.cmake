@@ -39,7 +39,7 @@ if(ADDRTOOL_HARDEN)
   endforeach()
 endif()
 
-# Only the program is linked like this; tests and benchmarks choose for themselves.
+# Only the program is linked like this; tests choose for themselves.
 # A position-independent static program needs rcrt1.o of the C library, which
 # Debian lacks for armhf and s390x.
 if(ADDRTOOL_STATIC)

@@ -16,7 +16,6 @@ class SandboxGuard : public ::testing::Test {
 TEST_F(SandboxGuard, RefusesToRunOutsideASandbox) {
   const std::vector<Lines> programs{
       {"system_tests", "--gtest_filter=Inventory.*"},  // this very program
-      {root + "/benchmarks/measure", "/tmp", "1", "0"},
       {"/usr/bin/python3", root + "/tests/fault/concurrent_changes.py", "--rounds=1"},
       {"/usr/bin/python3", root + "/tests/fault/inject_faults.py", "--every=1000"},
       {"/usr/bin/python3", root + "/tests/fault/load.py", "--ipv4=1", "--ipv6=1"},
