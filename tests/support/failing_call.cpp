@@ -59,6 +59,17 @@ ssize_t __wrap___getdelim(char** line, std::size_t* size, int delimiter, std::FI
                                               : __real___getdelim(line, size, delimiter, stream);
 }
 
+int __real_close(int descriptor);
+int __wrap_close(int descriptor) {
+  const int result = __real_close(descriptor);
+  return FailingCall::fails(Call::Close) ? -1 : result;
+}
+
+ssize_t __real_write(int descriptor, const void* bytes, std::size_t size);
+ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {
+  return FailingCall::fails(Call::Write) ? -1 : __real_write(descriptor, bytes, size);
+}
+
 std::FILE* __real_fdopen(int descriptor, const char* mode);
 std::FILE* __wrap_fdopen(int descriptor, const char* mode) {
   return FailingCall::fails(Call::Fdopen) ? nullptr : __real_fdopen(descriptor, mode);

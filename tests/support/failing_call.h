@@ -9,10 +9,10 @@ namespace addrtool::testing {
 
 /// The functions that can be made to fail. Allocations are malloc(3), calloc(3), realloc(3),
 /// strdup(3) and getline(3), which allocates its buffer.
-enum class Call { Allocation, Fdopen, Fclose, Chown, Chmod };
+enum class Call { Allocation, Close, Write, Fdopen, Fclose, Chown, Chmod };
 
 /// While it exists, the calls numbered `first` to `last`, counted from 1, do nothing and fail with
-/// that error. Only fclose(3) still closes its stream, as a real failure does. Only one may exist
+/// that error. Only close(2) and fclose(3) still close, as a real failure does. Only one may exist
 /// at a time.
 class FailingCall {
  public:

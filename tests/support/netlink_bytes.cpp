@@ -1,7 +1,6 @@
 #include "support/netlink_bytes.h"
 
 #include <arpa/inet.h>
-#include <linux/netlink.h>
 #include <netinet/in.h>
 
 #include <array>
@@ -36,7 +35,8 @@ std::string messageBytes(const AddressMessage& message) {
     body += attributeBytes(attribute);
   }
   const auto length = static_cast<std::uint32_t>(sizeof(nlmsghdr) + body.size());
-  return headerOnly(message.claimedLength.value_or(length), message.type) + body;
+  return headerOnly(message.claimedLength.value_or(length), message.type, message.messageFlags) +
+         body;
 }
 
 }  // namespace
@@ -59,8 +59,8 @@ std::string datagramOf(const std::vector<AddressMessage>& messages) {
   return datagram;
 }
 
-std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type) {
-  return bytesOf(nlmsghdr{claimedLength, type, NLM_F_MULTI, 0, 0});
+std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type, std::uint16_t flags) {
+  return bytesOf(nlmsghdr{claimedLength, type, flags, 4711, 4711});
 }
 
 }  // namespace addrtool::testing

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <linux/if_addr.h>
+#include <linux/netlink.h>
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
 
@@ -44,14 +45,16 @@ struct AddressMessage {
   std::uint32_t index = 1;
   std::vector<Attribute> attributes = {};
   std::uint16_t type = RTM_NEWADDR;
+  std::uint16_t messageFlags = NLM_F_MULTI;
   std::optional<std::uint32_t> claimedLength = {};  ///< in place of the true one
 };
 
 /// The datagram with these messages, each but the last padded to a multiple of 4.
 std::string datagramOf(const std::vector<AddressMessage>& messages);
 
-/// A message header without a body.
-std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type);
+/// A message header without a body. Its sequence number and its sender make no sense.
+std::string headerOnly(std::uint32_t claimedLength, std::uint16_t type,
+                       std::uint16_t flags = NLM_F_MULTI);
 
 /// A copy of the bytes in heap memory of exactly their size. So the address sanitizer finds each
 /// read outside of them.

@@ -23,7 +23,7 @@ Lines addrtoolCommand(const Lines& arguments) {
 }
 
 NetworkFile readNetworkFile(const fs::path& path) {
-  struct stat status {};
+  struct stat status{};
   if (lstat(path.c_str(), &status) != 0) throw std::runtime_error(path.string() + ": no status");
   return {S_ISREG(status.st_mode) ? readFile(path) : "", status.st_mode, status.st_uid,
           status.st_gid};

@@ -1,19 +1,12 @@
-#include "inventory/listing.h"
-
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdlib>
 
-#include "inventory/address_inventory.h"
 #include "support/sandbox_machine.h"
 
 namespace addrtool::testing {
 namespace {
-
-Outcome printInventory(const std::string& what) {
-  return runCommand({"print_inventory", what});
-}
 
 const std::string line1 = "192.0.2.1 255.255.255.0 eth0 1\n";
 const std::string lineIPv6 = "2001:db8::1 64 eth0 0\n";
@@ -162,13 +155,6 @@ TEST(Listing, StopsAtAWriteOfNothingWhateverErrnoSays) {
             silentSuccess);
 }
 
-TEST(InterfaceNames, StopAtANameThatCannotBeWritten) {
-  addInterface("eth1", {"10.1.0.1/16"});
-  const Trace trace = traceCommand({"trace=write", "inject=write:error=ENOSPC:when=1"},
-                                   {"print_inventory", "interface-names"});
-  EXPECT_EQ(trace.outcome, silentSuccess);
-}
-
 // Runs the listing with a non-blocking pipe as its output. A slow reader lets the pipe fill up.
 Outcome listThroughNonBlockingPipe() {
   return runInChild([] {
@@ -194,94 +180,6 @@ TEST(Listing, HasThousandsOfAddressesInOrderEvenThroughAFullNonBlockingPipe) {
   // Not EXPECT_EQ, which would print all of them.
   EXPECT_TRUE(runAddrtool({"-l"}) == success(expected));
   EXPECT_TRUE(listThroughNonBlockingPipe() == success(expected));
-}
-
-// --- functions that no option calls ---
-
-Lines describe(const AddressInventory& inventory) {
-  Lines lines;
-  for (const InterfaceRecord& interface : inventory) {
-    lines.push_back(interface.name);
-    for (const auto* records : {&interface.ipv4, &interface.ipv6}) {
-      for (const AddressRecord& record : *records) {
-        lines.push_back(record.address + '/' + std::to_string(record.prefixLength));
-      }
-    }
-  }
-  return lines;
-}
-
-TEST(Inventory, HoldsTheManagedAddressesAndIsNeverCached) {
-  EXPECT_EQ(describe(buildAddressInventory(false)),
-            (Lines{"eth0", "192.0.2.1/24", "2001:db8::1/64"}));
-  EXPECT_EQ(describe(buildAddressInventory(true)),  // with host scope
-            (Lines{"eth0", "192.0.2.1/24", "2001:db8::1/64", "lo", "127.0.0.1/8", "::1/128"}));
-  addAddresses({"eth0:1 192.0.2.2/24"});
-  EXPECT_EQ(describe(buildAddressInventory(false)),
-            (Lines{"eth0", "192.0.2.1/24", "192.0.2.2/24", "2001:db8::1/64"}));
-}
-
-TEST(MainAddress, IsTheFirstOfTheFirstInterfaceIPv4BeforeIPv6) {
-  const std::vector<std::pair<std::string, std::string>> rows{
-      {R"(link add eth1 type veth peer name peer1
-          address add 10.1.0.1/16 dev eth1
-          address add 192.0.2.2/24 dev eth0)",
-       "192.0.2.1"},
-      {R"(address delete 192.0.2.1/24 dev eth0
-          address add 192.0.2.2/24 dev eth0 label eth0:2
-          address add 192.0.2.10/24 dev eth0 label eth0:10)",
-       "192.0.2.10"},
-      {R"(link add a0 type veth peer name peer1
-          address add 2001:db8:a::1/64 dev a0 nodad)",
-       "2001:db8:a::1"},
-  };
-  for (const auto& [commands, address] : rows) {
-    resetMachine();
-    ip(commands);
-    EXPECT_EQ(mainAddress(), address);
-    EXPECT_EQ(printInventory("main-address"), success(address + '\n'));
-  }
-}
-
-// A buffer that is left at the end of the process would be lost here.
-TEST(MainAddressAndInterfaceNames, AreWrittenAtOnce) {
-  expectInChild(success("192.0.2.1\neth0\n"), [] {
-    printMainAddress();
-    printInterfaceNames();
-    _exit(0);
-  });
-}
-
-TEST(Inventory, IsEmptyOnAMachineWithOnlyLoopback) {
-  ip("link delete eth0");
-  const std::string message = "There are no network interfaces!";
-  EXPECT_TRUE(buildAddressInventory(false).empty());
-  EXPECT_EQ(printInventory("interface-names"), silentSuccess);
-  EXPECT_EQ(failureOf([] { static_cast<void>(mainAddress()); }), message);
-  EXPECT_EQ(printInventory("main-address"), failure(message));
-}
-
-TEST(InterfaceNames, AreSortedAndUnique) {
-  ip(R"(link add wlan0 type veth peer name peer1
-        link add eth1 type veth peer name peer2
-        address add 10.1.0.1/16 dev eth1
-        address add 10.1.0.2/16 dev eth1 label eth1:1
-        address add 2001:db8:2::1/64 dev wlan0 nodad
-        address add 192.0.2.2/24 dev eth0)"
-     "\nlink set peer1 name \xff\naddress add 10.2.0.1/16 dev \xff");
-  EXPECT_EQ(printInventory("interface-names"), success("eth0\neth1\nwlan0\n\xff\n"));
-}
-
-TEST(InterfaceNames, EndAtTheFirstColonAndAreMerged) {
-  addInterface("eth1", {"10.1.0.1/16"});
-  ip("address delete 2001:db8::1/64 dev eth0");
-  ASSERT_EQ(printInventory("interface-names").out, "eth0\neth1\n");
-  // No kernel of today allows such a name, so strace answers the first lookup. The name starts the
-  // structure that the third argument of ioctl(2) points to.
-  const Trace trace =
-      traceCommand({"inject=ioctl:retval=0:poke_exit=@arg3=657468313a323a3300:when=1"},
-                   {"print_inventory", "interface-names"});
-  EXPECT_EQ(trace.outcome, success("eth1\n")) << "eth1:2:3 and eth1";
 }
 
 }  // namespace

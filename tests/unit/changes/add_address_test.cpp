@@ -1,10 +1,9 @@
 #include "changes/add_address.h"
 
-#include <gtest/gtest.h>
-
 #include <map>
-#include <string>
-#include <vector>
+
+#include "support/canned_machine.h"
+#include "support/child_process.h"
 
 namespace addrtool::testing {
 namespace {
@@ -43,6 +42,19 @@ TEST(AliasNumber, GoesUpTo65535AndIsEmptyWhenAllAreTaken) {
     while (aliases.size() < last) aliases[std::to_string(aliases.size() + 1)] = {};
     EXPECT_EQ(lowestFreeAliasNumber(aliases), free);
   }
+}
+
+TEST(AliasNumber, TheAddFailsBeforeAnyCommandWhenAllAreTaken) {
+  CannedMachine machine;
+  for (int number = 1; number <= 65535; ++number) {
+    const Attribute label = labelAttribute("eth0:" + std::to_string(number));
+    machine.replies.push_back(
+        {datagramOf({{.attributes = {addressAttribute("10.0.0.1"), label}}})});
+  }
+  machine.replies.push_back({headerOnly(16, NLMSG_DONE)});
+  EXPECT_EQ(failureOf([] { addIPv4Address("eth0", {"192.0.2.10", 24}); }),
+            "eth0: no free alias number.");
+  EXPECT_EQ(machine.commands, std::vector<std::string>{});
 }
 
 }  // namespace

@@ -13,6 +13,10 @@
 namespace addrtool::testing {
 namespace {
 
+using Lines = std::vector<std::string>;
+
+Lines syslogCalls;  // of openlog(3) and closelog(3)
+
 TEST(LogSettings, DefaultToTheConsoleAndLevelInfo) {
   EXPECT_EQ(logTarget, nullptr);
   EXPECT_EQ(logThreshold, 6);
@@ -68,9 +72,12 @@ TEST(ConsoleLog, TheTargetChoosesTheStreams) {
 // The tests below change settings of the process, so they run in child processes. An expectation
 // that fails there prints its message, so the outcome is not silent.
 
-TEST(InitLogging, SelectsTheConsoleIfThereIsATarget) {
+constexpr int oldMask = 0x2a;
+
+TEST(InitLogging, SelectsTheConsoleIfThereIsATargetAndLeavesSyslogAlone) {
   for (const char* const target : {"console", "stderr", "nowhere"}) {
     expectInChild(silentSuccess, [=] {
+      setlogmask(oldMask);
       logMessage = syslog;
       logMessageV = vsyslog;
       initLogging(target, 0, LOG_MAIL, 0, "ident");
@@ -82,27 +89,32 @@ TEST(InitLogging, SelectsTheConsoleIfThereIsATarget) {
       EXPECT_EQ(logTarget, target);
       EXPECT_EQ(logFacility, LOG_LOCAL1);
       EXPECT_EQ(logThreshold, 4);
+      EXPECT_EQ(setlogmask(0), oldMask);
+      EXPECT_EQ(syslogCalls, Lines{});
     });
   }
 }
 
-TEST(InitLogging, SelectsSyslogWithoutATarget) {
+TEST(InitLogging, ReopensSyslogWithTheProcessIdIfThereIsNoTarget) {
   expectInChild(silentSuccess, [] {
     logTarget = "console";
-    initLogging(nullptr, 4, LOG_LOCAL1, 0, "ident");
+    initLogging(nullptr, 4, LOG_LOCAL1, 0, "first");
+    initLogging(nullptr, 4, LOG_DAEMON, LOG_NDELAY | LOG_PERROR, "second");
     EXPECT_EQ(logMessage, syslog);
     EXPECT_EQ(logMessageV, vsyslog);
     EXPECT_EQ(logTarget, nullptr);
-    EXPECT_EQ(logFacility, LOG_LOCAL1);
+    EXPECT_EQ(logFacility, LOG_DAEMON);
     EXPECT_EQ(logThreshold, 4);
     EXPECT_EQ(setlogmask(0), LOG_UPTO(4));
+    // 1 is LOG_PID, 8 is LOG_NDELAY, 32 is LOG_PERROR
+    EXPECT_EQ(syslogCalls,
+              (Lines{"closelog", "openlog first 1 136", "closelog", "openlog second 41 24"}));
   });
 }
 
 TEST(SetLogLevel, SetsThresholdAndMaskAndDisablesBelow1) {
   // A mask of no priorities at all changes nothing, so negative levels leave the mask alone. With a
   // target, every level does.
-  constexpr int oldMask = 0x2a;
   const std::map<int, int> masks{{INT_MIN, oldMask}, {-2, oldMask}, {-1, oldMask},
                                  {0, 0x1},           {1, 0x3},      {3, 0xf},
                                  {7, 0xff},          {8, 0x1ff},    {12, 0x1fff},
@@ -120,8 +132,26 @@ TEST(SetLogLevel, SetsThresholdAndMaskAndDisablesBelow1) {
         EXPECT_EQ(setlogmask(0), target == nullptr ? mask : oldMask);
       }
     }
+    EXPECT_EQ(syslogCalls, Lines{});
   });
 }
 
 }  // namespace
 }  // namespace addrtool::testing
+
+// The linker redirects these calls (--wrap), so that no test writes to the log of this machine.
+// NOLINTBEGIN(bugprone-reserved-identifier, cert-dcl*, readability-identifier-naming)
+extern "C" {
+
+void __wrap_openlog(const char* ident, int options, int facility) {
+  addrtool::testing::syslogCalls.push_back("openlog " + std::string(ident) + ' ' +
+                                           std::to_string(options) + ' ' +
+                                           std::to_string(facility));
+}
+
+void __wrap_closelog() {
+  addrtool::testing::syslogCalls.emplace_back("closelog");
+}
+
+}  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier, cert-dcl*, readability-identifier-naming)
