@@ -2,8 +2,15 @@
 include(CheckCXXCompilerFlag)
 include(CheckLinkerFlag)
 
+# Without a preset and a build type, the program would be neither optimised nor hardened.
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  message(STATUS "No build type was given: Release, hardened")
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Debug, Release, RelWithDebInfo or MinSizeRel" FORCE)
+endif()
+string(COMPARE EQUAL "${CMAKE_BUILD_TYPE}" Release is_release)
+
 option(ADDRTOOL_STATIC "Link the program statically" OFF)
-option(ADDRTOOL_HARDEN "Compile and link with the usual protections" OFF)
+option(ADDRTOOL_HARDEN "Compile and link with the usual protections" ${is_release})
 
 # Paths of the machine that built the program stay out of it.
 target_compile_options(addrtool_flags INTERFACE
@@ -41,7 +48,7 @@ endif()
 
 # Only the program is linked like this; tests choose for themselves.
 # A position-independent static program needs rcrt1.o of the C library, which
-# Debian lacks for armhf and s390x.
+# Debian lacks for s390x.
 if(ADDRTOOL_STATIC)
   set(CMAKE_REQUIRED_FLAGS -fPIE)
   check_linker_flag(CXX -static-pie ADDRTOOL_HAS_STATIC_PIE)
