@@ -37,6 +37,7 @@ struct Request {
 
 Request parseOptions(int argc, char** argv) {
   // Each option is in the table and in the switch, and in the short options unless it is long-only.
+  // NOLINTBEGIN(modernize-use-designated-initializers): the members are columns
   static constexpr auto longOptions = std::to_array<option>({
       {"list", no_argument, nullptr, 'l'},
       {"add", required_argument, nullptr, 'a'},
@@ -46,6 +47,7 @@ Request parseOptions(int argc, char** argv) {
       {"qv-assigned-ip", required_argument, nullptr, 'v'},
       {nullptr, 0, nullptr, 0},
   });
+  // NOLINTEND(modernize-use-designated-initializers)
   Request request;
   int letter = 0;
   while ((letter = getopt_long(argc, argv, "lhd:v:a:", longOptions.data(), nullptr)) != -1) {
