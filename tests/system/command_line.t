@@ -280,22 +280,3 @@ A failure ends the program. What was done before stays.
   [1]
   $ changed | head -n 1
   - eth0:2 192.0.2.11/24
-
-It runs with an empty environment, without a working directory and without an input.
-
-  $ (mkdir gone && cd gone && rmdir ../gone && env -i "$(type -P addrtool)" -l <&-)
-  192.0.2.1 255.255.255.0 eth0 1
-  2001:db8::1 64 eth0 0
-
-It reads nothing from its input.
-
-  $ echo text | (addrtool -l -v 10.0.0.1 -d 192.0.2.1 >/dev/null 2>&1; cat)
-  text
-
-The listing, the container check and the guards need no privilege.
-
-  $ unshare --user addrtool -l -v 10.0.0.1 -d 192.0.2.1
-  192.0.2.1 255.255.255.0 eth0 1
-  2001:db8::1 64 eth0 0
-  0192.0.2.1: cannot delete main IP on interface
-  [1]
