@@ -60,7 +60,7 @@ TEST(KernelAddresses, OnlyTheFirstMessageOfAReplyCanEndTheDump) {
   EXPECT_EQ(read({{done + oneAddress}}), plainIPv4);
 }
 
-TEST(KernelAddresses, OnlyTheTypesDoneAndErrorMatterAndNoFlagDoes) {
+TEST(KernelAddresses, OnlyTheTypesDoneAndErrorMatterNotFlagsSequenceOrSender) {
   std::vector<std::uint16_t> flagWords{0, 0xFFFF};
   for (unsigned bit = 0; bit < 16; ++bit)
     flagWords.push_back(static_cast<std::uint16_t>(1U << bit));

@@ -49,7 +49,7 @@ TEST(IPv6List, AClosingQuoteCostsTheLastEntryItsPrefixLength) {
 TEST(IPv6List, KeepsTheSpellingOfAddresses) {
   expectParsed({{"2001:DB8:0:0::1", 64}, {"junk", 7}, {"192.0.2.1", 24}, {"", 8}, {"a=b", 9}},
                {"K=2001:DB8:0:0::1/64 junk/7 192.0.2.1/24 /8 a=b/9\n"});
-  expectParsed({{"x", 7}}, {"K=x/7\n"});
+  expectParsed({{"a", 1}, {"#b", 2}}, {"K=a/1 #b/2\n"});  // no comment
 }
 
 TEST(IPv6List, AnInvalidPrefixLengthIs0) {
@@ -69,6 +69,7 @@ TEST(IPv6List, IsAppendedToWhatIsThere) {
 TEST(IPv6List, AnEntryNeedsExactlyOneSlash) {
   for (const auto& [line, token] : {std::pair("K=2001:db8::2\n", "2001:db8::2"),
                                     {"K=a/1 2001:db8::2 b/2\n", "2001:db8::2"},
+                                    {"K=a/1 # b/2\n", "#"},
                                     {"K=2001:db8::2//64\n", "2001:db8::2//64"},
                                     {"K=2001:db8::2/64/\n", "2001:db8::2/64/"},
                                     {"K=//\n", "//"},
@@ -162,7 +163,9 @@ TEST(IPv6Adding, PutsTheAddressFirstInTheList) {
   expectAdded(listKey + "2001:db8::2/64\n", listOf("2001:db8::5/64 2001:db8::2/64"));
   expectAdded("A=1\n" + listKey + "2001:db8::2/64 2001:db8::3/48\nB=2\n",
               "A=1\n" + listOf("2001:db8::5/64 2001:db8::2/64 2001:db8::3/48") + "B=2\n");
-  expectAdded(listKey + "2001:db8::2/64", listOf("2001:db8::5/64 2001:db8::2/64"));
+  for (const std::string end : {"", "\r\n", " \n"}) {
+    expectAdded(listKey + "2001:db8::2/64" + end, listOf("2001:db8::5/64 2001:db8::2/64"));
+  }
   // The last entry of a quoted list loses its prefix length (required).
   expectAdded(listKey + "\"2001:db8::2/64\"\n", listOf("2001:db8::5/64 2001:db8::2/0"));
   expectAdded(listKey + "'2001:db8::3/64 2001:db8::2/64'\n",
@@ -230,7 +233,11 @@ TEST(IPv6Removing, TheFirstSecondaryReplacesThePrimary) {
                 "IPV6ADDR=2001:db8::2/48\n");
   expectRemoved("2001:db8::1", primary + listKey + "\"2001:db8::2/64\"\n",
                 "IPV6ADDR=2001:db8::2/0\n");
+  expectRemoved("2001:db8::1", "IPV6ADDR=2001:db8::1/64\r\n" + listKey + "a/1 b/2\r\n",
+                "IPV6ADDR=a/1\n" + listOf("b/2"));
   // Even if it is the address being removed.
+  expectRemoved("2001:db8::1", primary + listKey + "2001:db8::1/48 2001:DB8::1/56\n",
+                "IPV6ADDR=2001:db8::1/48\n");
   expectRemoved("2001:db8::1", primary + listKey + "2001:db8::1/48 2001:db8::2/64 2001:db8::1/56\n",
                 "IPV6ADDR=2001:db8::1/48\n" + listOf("2001:db8::2/64"));
 }
@@ -266,7 +273,9 @@ TEST(IPv6Removing, OnlyTheExactPrimaryMatches) {
 TEST(IPv6Removing, TheLastPrimaryLineDecides) {
   expectRemoved("2001:db8::1", "IPV6ADDR=2001:db8::9/64\n" + listKey + "a/1\n" + primary,
                 "IPV6ADDR=a/1\nIPV6ADDR=a/1\n");
-  expectUntouched("2001:db8::1", {primary + "IPV6ADDR=2001:db8::9/64\n"});
+  for (const std::string value : {"2001:db8::9/64", "", "\"\"", "#2001:db8::1"}) {
+    expectUntouched("2001:db8::1", {primary + "IPV6ADDR=" + value + "\n"});
+  }
 }
 
 TEST(IPv6Removing, AnUnknownAddressOnlyRewritesTheLists) {

@@ -6,7 +6,6 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -92,16 +91,43 @@ std::string numberedLines(int count) {
   return text;
 }
 
-TEST_F(ConfigFile, ADefinitionIsANameWhiteSpaceAndAValue) {
-  expectContent("NAME\tvalue\n", {{"NAME", "value"}});
-  expectContent(" \t\v\f\rNAME value\n", {{"NAME", "value"}});
-  expectContent("_a9Z_ 1\n", {{"_a9Z_", "1"}});
-  expectContent("9 v\n", {{"9", "v"}});
+TEST_F(ConfigFile, EveryByteHasOneMeaningInEachPlace) {
+  const std::string nameBytes = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz";
+  for (int value = 1; value < 256; ++value) {
+    if (value == '\n') continue;
+    const std::string byte(1, static_cast<char>(value));
+    const bool isName = nameBytes.find(byte) != std::string::npos;
+    const bool isWhite = std::string("\t\v\f\r ").find(byte) != std::string::npos;
+    const bool isHash = value == '#';
+
+    const auto expect = [this](const std::string& text, const Definitions& expected,
+                               const LoggedMessage& unlessDefined) {
+      expectContent(text, expected, expected.empty() ? Log{unlessDefined} : Log{});
+    };
+    if (isHash) {
+      expectContent(byte + "A v", {});
+      expect("A " + byte + "w", {}, noValue("A #w"));
+    } else {
+      expect(byte + "A v",
+             isName    ? Definitions{{byte + "A", "v"}}
+             : isWhite ? Definitions{{"A", "v"}}
+                       : Definitions{},
+             noSpace(byte + "A v"));
+      expectContent("A " + byte + "w", {{"A", isWhite ? "w" : byte + "w"}});
+    }
+    expect("A" + byte + "B v",
+           isName    ? Definitions{{"A" + byte + "B", "v"}}
+           : isWhite ? Definitions{{"A", "B v"}}
+                     : Definitions{},
+           noSpace("A" + byte + "B v"));
+    expectContent("A v" + byte + "w", {{"A", isHash ? "v" : "v" + byte + "w"}});
+    expectContent("A v" + byte, {{"A", isHash || isWhite ? "v" : "v" + byte}});
+  }
 }
 
-TEST_F(ConfigFile, AValueHoldsAnyBytesAndInnerWhiteSpace) {
+TEST_F(ConfigFile, AValueKeepsInnerWhiteSpaceAndQuotes) {
   expectValue("value", {"value\n", "value", "\t \v\f\r value\n"});
-  for (const std::string value : {"=", "\"a\\", "\xe4\xff", "a b", "a  b\tc", "a b   c d"}) {
+  for (const std::string value : {"a b", "a  b\tc", "a b   c d", "\"a b\"", "'a b'", "= a : b"}) {
     expectValue(value, {value + "\n"});
   }
 }
@@ -110,6 +136,7 @@ TEST_F(ConfigFile, AHashAfterItsFirstCharacterEndsAValue) {
   expectValue("a", {"a#b\n", "a#"});
   expectValue("ab", {"ab#c#d\n"});
   expectValue("a b", {"a b#c\n"});
+  expectValue("\"a", {"\"a # b\"\n"});
 }
 
 TEST_F(ConfigFile, AnOddRunOfTrailingWhiteSpaceLosesItsLastCharacter) {
@@ -135,9 +162,8 @@ TEST_F(ConfigFile, BlankLinesAndCommentsAreSkipped) {
 }
 
 TEST_F(ConfigFile, ANameMustBeFollowedByWhiteSpaceAndAValue) {
-  for (const std::string line :
-       {"NAME=value\n", "NAME=value", "NAME# value\n", "NAME-D value\n", "NAME.D value # c\n",
-        "N\xe4ME value\n", "NAME\xa0value\n", "NAME", "= value\n", "\"NAME\" value\n", "\xff\n"}) {
+  for (const std::string line : {"NAME=value\n", "NAME=value", "NAME# value\n", "NAME", "= value\n",
+                                 "\"NAME\" value\n", "\xef\xbb\xbfNAME value\n"}) {
     expectContent(line, {}, {noSpace(line)});
     expectContent("  " + line, {}, {noSpace(line)});
   }
@@ -181,25 +207,6 @@ TEST_F(ConfigFile, ALineEndsAtANulByte) {
   expectContent("NAME\0 value\n"s, {}, {noSpace("NAME")});
   expectContent("NAME \0value\n"s, {}, {noValue("NAME ")});
   expectContent("A 1\0\nB 2\n\0\0\0\n\0"s, {{"A", "1"}, {"B", "2"}});
-}
-
-TEST_F(ConfigFile, AnyByteIsAcceptedAnywhere) {
-  for (int byte = 0; byte < 256; ++byte) {
-    std::string text =
-        "@\n@NAME value\nNA@ME value\nNAME@value\nNAME @value\nNAME val@ue\nNAME value@\nLAST 1\n";
-    std::replace(text.begin(), text.end(), '@', static_cast<char>(byte));
-    EXPECT_EQ(readText(text), 0);
-    EXPECT_STREQ(findConfigEntry(table.get(), "LAST"), "1") << "with byte " << byte;
-  }
-}
-
-TEST_F(ConfigFile, AFileCutAtAnyLengthIsRead) {
-  const std::string text = "# c\nNAME value\n\n  B  two words  # c\nC=3\nD\nE 5 \n";
-  for (std::size_t length = 0; length <= text.size(); ++length) {
-    EXPECT_EQ(readText(text.substr(0, length)), 0) << "at length " << length;
-    const bool isWhole = length >= text.find("\n\n");
-    EXPECT_EQ(!definitions().empty() && definitions().back().second == "value", isWhole);
-  }
 }
 
 TEST_F(ConfigFile, AFileThatCannotBeOpenedFailsWithItsErrno) {
