@@ -26,5 +26,11 @@ TEST(RunIfconfig, ReportsAStatusOrASignalAndRunsTheCommandOnce) {
   }
 }
 
+TEST(RunIfconfig, RunsTheCommandWithABlankAndNoArguments) {
+  CannedMachine machine;
+  runIfconfig("");
+  EXPECT_EQ(machine.commands, std::vector<std::string>{"/sbin/ifconfig "});
+}
+
 }  // namespace
 }  // namespace addrtool::testing
