@@ -101,6 +101,11 @@ Any other failure of a write ends the listing without a message, so that no line
   $ fail write:when=2 EAGAIN /poll ENOMEM addrtool -l
   192.0.2.1 255.255.255.0 eth0 1
 
+A write of nothing sets no errno, so an EINTR that the close before it left there does not count.
+
+  $ closes=$(calls close,write addrtool -l | sed '/^write/,$d' | grep -c '^close')
+  $ fail close:when=$closes EINTR write:when=1 retval=0 addrtool -l
+
 The next action follows all the same.
 
   $ fail write:when=1 EIO addrtool -l -l -d 192.0.2.1
