@@ -1,40 +1,46 @@
-// Fuzzes both edits of the IPv6 addresses in an interface file. The first line of the input is the
-// address to add and remove ("2001:db8::5/64"). The rest is the file.
+// Fuzzes both edits of the IPv6 addresses in an interface file. The input is the file.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "fuzzing.h"
-#include "inventory/address_record.h"
-#include "persist/alias_file.h"
 #include "persist/ipv6_list.h"
 
 namespace addrtool::fuzz {
 namespace {
 
-using Entries = std::vector<AddressRecord>;
-using Lines = std::vector<std::string>;
+using Text = std::string_view;
+using Edit = int(std::FILE* oldFile, std::FILE* newFile, void* context);
 
-const std::string primaryKey = "IPV6ADDR=";
-const std::string listStem = "IPV6ADDR_SECONDARIES";
-const std::string listKey = "IPV6ADDR_SECONDARIES=";
+const AddressRecord address{"2001:db8::5", 64};
 
-// Adds the entries of the line, if it starts with the key. Returns whether it could be parsed.
-bool parse(const std::string& line, const std::string& key, Entries& entries) {
-  if (!line.starts_with(key)) return true;
-  const auto message = failureOf([&] { parseIPv6List(line, entries); });
-  if (!message) return true;
-  // The message ends at a zero byte of the token.
-  const std::size_t end = message->find(": cannot parse IPv6 address");
-  require(end != std::string::npos || line.find('\0') != std::string::npos,
-          "the message says what failed");
-  require(line.find(message->substr(0, end)) != std::string::npos,
-          "the message names a token of the line");
-  return false;
+std::vector<Text> linesOf(Text file) {
+  std::vector<Text> lines;
+  for (; !file.empty(); file.remove_prefix(lines.back().size())) {
+    lines.push_back(file.substr(0, std::min(file.find('\n'), file.size() - 1) + 1));
+  }
+  return lines;
 }
 
-using Edit = int (*)(std::FILE* oldFile, std::FILE* newFile, void* context);
+bool isParsed(Text line) {
+  std::vector<AddressRecord> entries{address};
+  bool isGood = true;
+  try {
+    parseIPv6List(std::string(line), entries);
+  } catch (const std::runtime_error&) {
+    isGood = false;
+  }
+  require(!entries.empty() && entries.front() == address, "earlier entries stay, also on failure");
+  return isGood;
+}
 
-std::optional<std::string> runEdit(Edit edit, std::string content, const AddressRecord& address) {
+// The new file, or nothing if the edit fails.
+std::optional<std::string> run(Edit* edit, std::string content) {
   char* buffer = nullptr;
   std::size_t size = 0;
   std::FILE* oldFile = fmemopen(content.data(), content.size(), "r");
@@ -45,96 +51,46 @@ std::optional<std::string> runEdit(Edit edit, std::string content, const Address
   std::fclose(oldFile);
   const std::string written(buffer, size);
   std::free(buffer);
-
   require(result == 0 || result == -1, "an edit succeeds or fails");
-  require(context.address == address && context.label == "eth0", "the address is only read");
   return result == 0 ? std::optional(written) : std::nullopt;
 }
 
-// The entries with a blank before each.
-std::string spaced(const Entries& entries) {
-  std::string text;
-  for (const AddressRecord& entry : entries) text += ' ' + formatIPv6Entry(entry);
-  return text;
-}
-
-// The file after an add, or nothing if a list is malformed. The list only grows: a second one
-// repeats the first.
-std::optional<std::string> modelAdd(const Lines& lines, const AddressRecord& address) {
-  std::string list = listKey + '"' + formatIPv6Entry(address);
-  std::string written;
-  bool isListed = false;
-  for (const std::string& line : lines) {
-    Entries entries;
-    if (!parse(line, listStem, entries)) return std::nullopt;
-    if (!entries.empty()) list += spaced(entries) + "\"\n";
-    written += entries.empty() ? line : list;
-    isListed |= !entries.empty();
-  }
-  return isListed ? written : written + list + "\"\n";
-}
-
-// The address of a primary line.
-std::string primaryOf(const std::string& line) {
-  constexpr const char* margin = "'\" \n\t\r";
-  const std::string value = line.substr(0, line.find_last_not_of(margin) + 1);
-  const std::size_t start = value.find_first_not_of(margin, primaryKey.size());
-  return start == std::string::npos ? "" : splitAt(value.substr(start), '/').front();
-}
-
-// The file after a removal, or nothing if a list is malformed or no other address is left.
-std::optional<std::string> modelRemoval(const Lines& lines, const std::string& address) {
-  Entries entries;
-  bool isParsed = true;
-  bool isPrimary = false;
-  for (const std::string& line : lines) {
-    isParsed &= parse(line, listKey, entries);
-    if (line.starts_with(primaryKey)) isPrimary = modelSameIPv6(primaryOf(line), address);
-  }
-  if (!isParsed || (isPrimary && entries.empty())) return std::nullopt;
-
-  std::string primary;
-  if (isPrimary) {
-    primary = primaryKey + formatIPv6Entry(entries.front()) + '\n';
-    entries.erase(entries.begin());
-  }
-  std::erase_if(entries, [&](const auto& entry) { return modelSameIPv6(entry.address, address); });
-  std::string written;
-  for (const std::string& line : lines) {
-    if (isPrimary && line.starts_with(primaryKey)) {
-      written += primary;
-    } else if (!line.starts_with(listKey)) {
-      written += line;
-    } else if (!entries.empty()) {
-      written += listKey + '"' + spaced(entries).substr(1) + "\"\n";
+// Runs the edit, which may change lines that start with the list's key or with the other text.
+std::optional<std::string> check(Edit* edit, const std::string& file, Text listKey, Text other) {
+  const auto edited = run(edit, file);
+  const auto keptLines = [&](Text text) {
+    std::string kept;
+    for (const Text line : linesOf(text)) {
+      if (!line.starts_with(listKey) && !line.starts_with(other)) kept += line;
     }
-  }
-  return written;
+    return kept;
+  };
+  require(!edited || keptLines(file) == keptLines(*edited), "other lines stay, byte for byte");
+  const bool isGood = std::ranges::all_of(
+      linesOf(file), [&](Text line) { return !line.starts_with(listKey) || isParsed(line); });
+  require(isGood || !edited, "a malformed list cannot be edited");
+  require(!isGood || edited || edit == copyWithoutIPv6, "only a malformed list prevents an add");
+  return edited;
 }
 
 }  // namespace
 
-int checkInput(Octets input) {
-  const std::string text(input.begin(), input.end());
-  const std::size_t lineEnd = text.find('\n');
-  if (lineEnd == std::string::npos) return -1;
-
-  const auto operand = splitAt(upToNul(text.substr(0, lineEnd)), '/');
-  const AddressRecord address{operand.front(), modelUnsigned16(operand.back()).value.value_or(64)};
-  const std::string content = text.substr(lineEnd + 1);
-  const Lines lines = linesOf(content, 8095);  // the program reads a longer line in pieces
-  for (const std::string& line : lines) {
-    Entries entries;
-    parse(line, "", entries);
-    // The blank behind the key separates it from a quote, which would enclose the list.
-    Entries readBack;
-    parseIPv6List(listKey + spaced(entries), readBack);
-    require(readBack == entries, "an unquoted list reads back as it was written");
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::string file(data, data + size);
+  if (size > 8000) {  // a line may be too long; the program reads such a line in pieces
+    run(copyWithIPv6, file);
+    run(copyWithoutIPv6, file);
+    return 0;
   }
-  require(runEdit(copyWithIPv6, content, address) == modelAdd(lines, address),
-          "an add puts the address first in the list, and fails only if a list is malformed");
-  require(runEdit(copyWithoutIPv6, content, address) == modelRemoval(lines, address.address),
-          "a removal takes the address from the list, or promotes the first entry");
+  file += '\n';  // else a new list would become part of the last line
+  // The second list of a file starts with the first and its line feed, then comes a blank.
+  const auto added = check(copyWithIPv6, file, "IPV6ADDR_SECONDARIES", " ");
+  const auto removed = check(copyWithoutIPv6, file, "IPV6ADDR_SECONDARIES=", "IPV6ADDR=");
+  require(!added || run(copyWithoutIPv6, *added), "what was added can be removed");
+  for (const Text line : linesOf(removed ? *removed : Text())) {
+    require(!line.starts_with("IPV6ADDR_SECONDARIES=") || line.find(" 2001:db8::5/") == Text::npos,
+            "what was removed is in no list");
+  }
   return 0;
 }
 
