@@ -1,4 +1,4 @@
-"""What the scripts that change the sandbox share: its addresses, its files, and their checks."""
+"""What the scripts of this folder share: options, the sandbox's addresses and files, failures."""
 
 import argparse
 import pathlib
@@ -21,13 +21,15 @@ def require_sandbox():
 
 
 def parse_options(description, **defaults):
-    """Returns the options of the command line, which have the types of their defaults. Ends the
-    script outside a sandbox."""
+    """Returns the numbers of the command line. A default is a pair: the second is for --quick."""
     parser = argparse.ArgumentParser(description=description.splitlines()[0])
+    parser.add_argument("--quick", action="store_true", help="a small sample")
     for name, default in defaults.items():
-        option = "--" + name.replace("_", "-")
-        parser.add_argument(option, type=type(default), default=default, help=f"default: {default}")
+        parser.add_argument(f"--{name}", type=int, help=f"default: {default[0]}, or {default[1]}")
     options = parser.parse_args()
+    for name, default in defaults.items():
+        if getattr(options, name) is None:
+            setattr(options, name, default[options.quick])
     require_sandbox()
     return options
 
@@ -38,30 +40,29 @@ def require(holds, complaint):
         print(f"FAILED {complaint}")
 
 
+def run(command, **options):
+    """Runs the command to its end. Its streams are texts."""
+    streams = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "universal_newlines": True}
+    return subprocess.run(command, **streams, **options)
+
+
 def ip(lines):
     """Runs the lines as commands of ip(8)."""
-    subprocess.run(["ip", "-batch", "-"], input="\n".join(lines) + "\n", text=True, check=True)
+    run(["ip", "-batch", "-"], input="\n".join(lines) + "\n", check=True)
 
 
 def set_addresses(addresses):
     """Gives eth0 exactly these addresses, each with the options of `ip address add`."""
-    ip(["address flush dev eth0", *(f"address add {address} dev eth0" for address in addresses)])
+    ip(["address flush dev eth0"] + [f"address add {address} dev eth0" for address in addresses])
 
 
 def shown_addresses():
     """What ip(8) shows of the global addresses of eth0, each on one line."""
-    command = ["ip", "-o", "address", "show", "dev", "eth0", "scope", "global"]
-    return subprocess.run(command, capture_output=True, text=True, check=True).stdout
+    return run("ip -o address show dev eth0 scope global".split(), check=True).stdout
 
 
 def alias_text(label, address, netmask="255.255.255.0"):
     return f'DEVICE="{label}"\nIPADDR="{address}"\nNETMASK="{netmask}"\n'
-
-
-def list_line(addresses):
-    """The line of the secondary IPv6 addresses; empty if there are none."""
-    joined = " ".join(f"{address}/64" for address in addresses)
-    return f'IPV6ADDR_SECONDARIES="{joined}"\n' if joined else ""
 
 
 def write_files(texts):

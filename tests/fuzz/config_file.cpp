@@ -38,7 +38,8 @@ void checkTable(const RuntimeConfiguration& table, const std::string& file) {
     require(i == 0 || std::strcmp(table.entries[i - 1].name, name) < 0, "names are in order");
     require(findConfigEntry(&table, name) == value && findConfigEntry(&unsorted, name) == value,
             "each name is found, by halves and in a row");
-    require(file.find(name) != file.npos && file.find(value) != file.npos, "texts are the file's");
+    require(file.find(name) != std::string::npos && file.find(value) != std::string::npos,
+            "texts are the file's");
     require(std::string(name).find_first_of(std::string("#=") + whiteSpace) == std::string::npos,
             "a name ends at white space");
     require(*value != '\0' && std::strpbrk(value, "#") == nullptr &&

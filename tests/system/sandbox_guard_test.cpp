@@ -18,7 +18,7 @@ TEST_F(SandboxGuard, RefusesToRunOutsideASandbox) {
       {"system_tests", "--gtest_filter=Inventory.*"},  // this very program
       {"/usr/bin/python3", root + "/tests/fault/concurrent_changes.py", "--rounds=1"},
       {"/usr/bin/python3", root + "/tests/fault/inject_faults.py", "--every=1000"},
-      {"/usr/bin/python3", root + "/tests/fault/load.py", "--ipv4=1", "--ipv6=1"},
+      {"/usr/bin/python3", root + "/tests/fault/load.py", "--addresses=1"},
       {root + "/tests/packaging/completion_test", "--inside"},
       {root + "/tests/packaging/package_test", "--inside", "install_deb", "/nowhere"},
   };
