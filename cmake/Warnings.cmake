@@ -1,6 +1,6 @@
-# Whether a warning ends the build is for the presets to say
-# (CMAKE_COMPILE_WARNING_AS_ERROR), so that a newer compiler never stops somebody
-# who only wants the program.
+# Only the presets for developers turn warnings into errors, by
+# CMAKE_COMPILE_WARNING_AS_ERROR. A newer compiler warns of more, and must not stop
+# a user who only wants the program.
 target_compile_options(addrtool_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
   -Wold-style-cast -Wcast-qual -Wcast-align -Wformat=2 -Wnull-dereference

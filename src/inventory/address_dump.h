@@ -16,7 +16,7 @@ using AliasMap = std::map<std::string, AddressRecord>;
 /// The addresses of one interface.
 struct InterfaceAddresses {
   AliasMap aliases = {};                        ///< the IPv4 addresses whose label has a colon
-  std::vector<AddressRecord> primaryIPv4 = {};  ///< the other ones, in the kernel's order
+  std::vector<AddressRecord> primaryIPv4 = {};  ///< all other IPv4 addresses, in the kernel's order
   std::vector<AddressRecord> ipv6 = {};         ///< in the kernel's order
 
   bool operator==(const InterfaceAddresses&) const = default;

@@ -32,9 +32,9 @@ class AddressCollector {
   /// Returns the name of the interface with this kernel index. Raises when there is none.
   using InterfaceNamer = std::function<std::string(unsigned index)>;
 
-  /// Adds addresses to `dump`, which must outlive the collector. Meanwhile the caller must not
-  /// remove entries from it. Accepts addresses of universe scope, and with `includeHostScope` also
-  /// those of host scope (127.0.0.1, ::1).
+  /// Adds addresses to `dump`. The collector keeps pointers into it, so the dump must outlive the
+  /// collector, and nobody else may remove entries from it. Accepts addresses of universe scope,
+  /// and with `includeHostScope` also those of host scope (127.0.0.1, ::1).
   AddressCollector(AddressDump& dump, bool includeHostScope, InterfaceNamer interfaceNamer);
 
   /// Adds the managed addresses of every message in the datagram. Skips a message that is too short

@@ -95,10 +95,10 @@ std::string formatList(const std::vector<AddressRecord>& entries) {
   return list + listEnd;
 }
 
-// The lists of a file, with respect to one address.
+// What the lines of a file say about one address.
 struct ListedAddresses {
-  bool isPrimary = false;  // whether the last IPV6ADDR line has the address
-  std::vector<AddressRecord> secondaries;
+  bool isPrimary = false;                  // the last IPV6ADDR line has the address
+  std::vector<AddressRecord> secondaries;  // the entries of all list lines
 };
 
 ListedAddresses readLists(const std::vector<std::string>& lines, const std::string& address) {

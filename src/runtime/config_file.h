@@ -11,8 +11,8 @@ namespace addrtool {
 /// Returns 0. Returns -1 with errno set when the file cannot be opened or read, or when memory runs
 /// out; the table then holds the definitions read so far.
 ///
-/// A value keeps most of its trailing white space, which includes the newline (required): of an odd
-/// number of characters only the last one is cut, of an even number none.
+/// Trailing white space, which includes the newline, mostly stays in the value (required). If it
+/// has an odd number of characters, the last one is cut. If it has an even number, nothing is cut.
 int readConfigFile(const char* path, RuntimeConfiguration* table);
 
 }  // namespace addrtool

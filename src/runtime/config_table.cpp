@@ -34,8 +34,8 @@ int allocateFirstSlots(RuntimeConfiguration* table) {
   return 0;
 }
 
-// Doubles; if that overflows, count + 20; 0 if that is too large as well. The table is full, so a
-// sum or product that overflowed is less than its count.
+// Returns twice the capacity. If that overflows, returns count + 20. Returns 0 if the result is too
+// large. The table is full, so a result below its count has overflowed.
 std::uint32_t nextCapacity(const RuntimeConfiguration& table) {
   const std::uint32_t doubled = table.capacity * 2;
   const std::uint32_t wanted = doubled < table.count ? table.count + initialCapacity : doubled;

@@ -48,7 +48,8 @@ void appendSystemError(MessageBuffer& buffer, int error) {
                                    error, std::strerror(error));
   if (static_cast<std::size_t>(needed) < room) return;
 
-  // Only one byte is added, so a suffix that did not fit is dropped (required).
+  // The buffer grows by one byte, whatever the suffix needs. So a suffix that did not fit is
+  // dropped (required).
   if (void* grown = std::realloc(buffer.text, buffer.length + 2)) {
     buffer.text = static_cast<char*>(grown);
     buffer.text[buffer.length] = '\0';
