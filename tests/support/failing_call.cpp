@@ -81,16 +81,6 @@ int __wrap_fclose(std::FILE* stream) {
   return FailingCall::fails(Call::Fclose) ? EOF : result;
 }
 
-int __real_chown(const char* path, uid_t user, gid_t group);
-int __wrap_chown(const char* path, uid_t user, gid_t group) {
-  return FailingCall::fails(Call::Chown) ? -1 : __real_chown(path, user, group);
-}
-
-int __real_chmod(const char* path, mode_t mode);
-int __wrap_chmod(const char* path, mode_t mode) {
-  return FailingCall::fails(Call::Chmod) ? -1 : __real_chmod(path, mode);
-}
-
 }  // extern "C"
 // NOLINTEND(bugprone-reserved-identifier, cert-dcl*, readability-identifier-naming, *-no-malloc,
 // *-owning-memory)

@@ -18,7 +18,7 @@ const std::string done = headerOnly(16, NLMSG_DONE);
 const std::string oneAddress = datagramOf({ipv4()});
 
 // What the replies add to a dump, and that each of them was received.
-AddressDump read(const std::vector<Reply>& replies) {
+AddressDump dumpOf(const std::vector<Reply>& replies) {
   const CannedMachine machine(replies);
   AddressDump dump;
   readKernelAddresses(dump, false);
@@ -48,16 +48,16 @@ TEST(KernelAddresses, TheRequestIs24BytesWithTheProcessId) {
 
 TEST(KernelAddresses, EveryReplyIsReadUntilTheDumpEndsAndTheSocketIsClosed) {
   const FailingCall counting(Call::Close, 0);
-  EXPECT_EQ(read({{oneAddress}, {datagramOf({ipv6()})}, {done}}),
+  EXPECT_EQ(dumpOf({{oneAddress}, {datagramOf({ipv6()})}, {done}}),
             eth0With({.primaryIPv4 = {{"192.0.2.1", 24}}, .ipv6 = {{"2001:db8::1", 64}}}));
   EXPECT_EQ(FailingCall::calls(), 1);
 }
 
 TEST(KernelAddresses, OnlyTheFirstMessageOfAReplyCanEndTheDump) {
-  EXPECT_EQ(read({{oneAddress + std::string(3, '\0') + done}, {done}}), plainIPv4);
-  EXPECT_EQ(read({{oneAddress + std::string(3, '\0') + headerOnly(16, NLMSG_ERROR)}, {done}}),
+  EXPECT_EQ(dumpOf({{oneAddress + std::string(3, '\0') + done}, {done}}), plainIPv4);
+  EXPECT_EQ(dumpOf({{oneAddress + std::string(3, '\0') + headerOnly(16, NLMSG_ERROR)}, {done}}),
             plainIPv4);
-  EXPECT_EQ(read({{done + oneAddress}}), plainIPv4);
+  EXPECT_EQ(dumpOf({{done + oneAddress}}), plainIPv4);
 }
 
 TEST(KernelAddresses, OnlyTheTypesDoneAndErrorMatterNotFlagsSequenceOrSender) {
@@ -71,9 +71,9 @@ TEST(KernelAddresses, OnlyTheTypesDoneAndErrorMatterNotFlagsSequenceOrSender) {
       if (type == NLMSG_ERROR) {
         expectFailure(CannedMachine({{first}}), "Incorrect format of RTM_GETADDR request response");
       } else if (type == NLMSG_DONE) {
-        EXPECT_EQ(read({{first + oneAddress}}), plainIPv4);
+        EXPECT_EQ(dumpOf({{first + oneAddress}}), plainIPv4);
       } else {
-        EXPECT_EQ(read({{first + oneAddress}, {headerOnly(16, NLMSG_DONE, flags)}}), plainIPv4);
+        EXPECT_EQ(dumpOf({{first + oneAddress}, {headerOnly(16, NLMSG_DONE, flags)}}), plainIPv4);
       }
     }
   }
