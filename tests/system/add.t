@@ -115,6 +115,9 @@ A text that is no netmask is refused, before the interface is looked at.
 
 An action that comes before the add is done although the netmask is wrong.
 
+  $ addrtool -v 10.0.0.1 -a eth0 2001:db8::5 x
+  0x: cannot convert to int
+  [1]
   $ addrtool -l -a eth0 192.0.2.10 24
   192.0.2.1 255.255.255.0 eth0 1
   2001:db8::1 64 eth0 0

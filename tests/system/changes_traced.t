@@ -45,6 +45,14 @@ Each action asks on its own.
   $ steps addrtool -d 198.51.100.3 -d 198.51.100.4 -a eth0 198.51.100.5 255.255.255.0
   sendto /sbin/ifconfig unlink sendto sendto /sbin/ifconfig unlink sendto sendto /sbin/ifconfig rename
 
+The command has the limits, the rights, the process group and the signal settings of the program's caller.
+
+  $ fresh
+  $ record 'sed -nE "s/^(SigIgn:).*(.{7})$/\1\2/p; /^(NoNew|Seccomp|Groups|Cap)/p" /proc/$$/status
+  >   cut -d " " -f 5,6,18,19 /proc/$$/stat; grep -v "core file" /proc/$$/limits; readlink /proc/$$/ns/*'
+  $ /sbin/ifconfig eth0 add 2001:db8::5/64 >/etc/direct; addrtool -a eth0 2001:db8::5 64 | diff /etc/direct - && grep -c SigIgn /etc/direct
+  1
+
 There is no time limit and no lock.
 
   $ fresh; calls '/alarm|timer|nanosleep|flock' addrtool -a eth0 192.0.2.10 255.255.255.0

@@ -176,7 +176,7 @@ The addresses of 169.254.0.0/16 and fd00::/8 and those of the loopback interface
 An IPv4 address must be written as the kernel prints it. The message ends in a full stop.
 
   $ fresh; addrtool -a eth0 10.0.0.1 255.255.255.0; changed >/dev/null
-  $ for address in 127.0.0.1 192.0.2.99 10.0.0.01 ' 10.0.0.1' '10.0.0.1 ' 10.0.1 10.0.0.1/24 10.0.0. eth0 ''; do
+  $ for address in 127.0.0.1 192.0.2.99 10.0.0.01 ' 10.0.0.1' '10.0.0.1 ' 10.0.1 10.0.0.1/24 10.0.0. eth0 localhost ''; do
   >   streams addrtool -d "$address"; done
   2: 127.0.0.1: not configured.
   2: 192.0.2.99: not configured.
@@ -187,6 +187,7 @@ An IPv4 address must be written as the kernel prints it. The message ends in a f
   2: 10.0.0.1/24: not configured.
   2: 10.0.0.: not configured.
   2: eth0: not configured.
+  2: localhost: not configured.
   2: : not configured.
   [1]
   $ changed
@@ -262,6 +263,12 @@ Any spelling of an IPv6 address will do. The command has the kernel's text and l
   /sbin/ifconfig eth0 del 2001:db8::5/48 exited with non-zero status 1
   [1]
 
+Nor has an interface's name any.
+
+  $ fresh; interface 'e$((1))' 2001:db8:1::1/64 2001:db8:1::2/64; record
+  $ addrtool -d 2001:db8:1::1
+  ifconfig [e1] [del] [2001:db8:1::1/64]
+
 Any spelling of the address is found in the list, however it was added.
 
   $ fresh
@@ -275,7 +282,7 @@ An IPv6 address whose text is no such address, or that is not listed, is not con
   $ ip address add 2001:db8::7/64 dev eth0 valid_lft 600 preferred_lft 600
   $ ip address add 2001:db8::5/64 dev eth0; changed >/dev/null
   $ for address in fe80::1 ::1 ::2 2001:db8::7 2001:db8::99 2001:db8::5/64 : 2001:db8:::5 '2001:db8::5 ' \
-  >     ' 2001:db8::5' '[2001:db8::5]' 192.0.2.1: ::ffff:192.0.2.1; do
+  >     ' 2001:db8::5' '[2001:db8::5]' 192.0.2.1: ::ffff:192.0.2.1 2001:db8::5%eth0 eth0:1; do
   >   streams addrtool -d "$address"; done
   2: fe80::1: not configured
   2: ::1: not configured
@@ -290,12 +297,27 @@ An IPv6 address whose text is no such address, or that is not listed, is not con
   2: [2001:db8::5]: not configured
   2: 192.0.2.1:: not configured
   2: ::ffff:192.0.2.1: not configured
+  2: 2001:db8::5%eth0: not configured
+  2: eth0:1: not configured
+  [1]
+  $ changed
+
+An address that is only saved, but not up, is not configured, and its file stays.
+
+  $ fresh; addrtool -a eth0 192.0.2.10 255.255.255.0; addrtool -a eth0 2001:db8::5 64
+  $ ip address del 192.0.2.10/24 dev eth0; ip address del 2001:db8::5/64 dev eth0; changed >/dev/null
+  $ addrtool -d 192.0.2.10
+  192.0.2.10: not configured.
+  [1]
+  $ addrtool -d 2001:db8::5
+  2001:db8::5: not configured
   [1]
   $ changed
 
 The last IPv6 address of an interface cannot be deleted, whatever other addresses it has.
 
   $ fresh; addrtool -a eth0 192.0.2.10 255.255.255.0; ip address add fe80::1/64 dev eth0
+  $ ip address add 2001:db8::7/64 dev eth0 valid_lft 600 preferred_lft 600
   $ changed >/dev/null
   $ streams addrtool -d 2001:db8::1
   2: 2001:db8::1: cannot remove last address from eth0

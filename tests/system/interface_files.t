@@ -59,7 +59,8 @@ The list may have the address already.
 
 A list that is empty is kept, and another one is appended.
 
-  $ add 'IPV6ADDR_SECONDARIES=""\nX=1\n' 'IPV6ADDR_SECONDARIES=\n' 'IPV6ADDR_SECONDARIES= \n' 'IPV6ADDR_SECONDARIES\n'
+  $ add 'IPV6ADDR_SECONDARIES=""\nX=1\n' 'IPV6ADDR_SECONDARIES=\n' 'IPV6ADDR_SECONDARIES= \n' \
+  >   'IPV6ADDR_SECONDARIES\n' 'IPV6ADDR_SECONDARIES=""\r\n'
   IPV6ADDR_SECONDARIES=""
   X=1
   IPV6ADDR_SECONDARIES="2001:db8::5/64"
@@ -71,6 +72,9 @@ A list that is empty is kept, and another one is appended.
   IPV6ADDR_SECONDARIES="2001:db8::5/64"
   --
   IPV6ADDR_SECONDARIES
+  IPV6ADDR_SECONDARIES="2001:db8::5/64"
+  --
+  IPV6ADDR_SECONDARIES=""^M
   IPV6ADDR_SECONDARIES="2001:db8::5/64"
   --
 
@@ -163,7 +167,7 @@ A delete removes every entry with the address, in any spelling, and keeps the or
 If IPV6ADDR is the address, the first entry takes its place, without quotes.
 
   $ delete 'IPV6ADDR=2001:db8::5/64\nX=1\nIPV6ADDR_SECONDARIES=2001:DB8::2/064 2001:db8::3/64\n' \
-  >   'IPV6ADDR_SECONDARIES="2001:db8::2/64"\nIPV6ADDR="2001:db8::5/64"\n'
+  >   'IPV6ADDR_SECONDARIES="2001:db8::2/64"\nIPV6ADDR="2001:db8::5/64"'
   IPV6ADDR=2001:DB8::2/64
   X=1
   IPV6ADDR_SECONDARIES="2001:db8::3/64"
@@ -262,18 +266,24 @@ It reports an entry without exactly one slash on both streams, and the file stay
 
 The system error of both messages is the last one, if there was any.
 
-  $ rm /etc/kel/kel.conf; delete 'IPV6ADDR=2001:db8::5/64\n' 'IPV6ADDR_SECONDARIES=a\n'
+  $ rm /etc/kel/kel.conf; delete 'IPV6ADDR=2001:db8::5/64\n' 'IPV6ADDR_SECONDARIES=a/1 b\n'; add 'IPV6ADDR_SECONDARIES=a/1 b\n'
   1: Cannot remove last IPv6 address 2001:db8::5
   1: System error 2: No such file or directory
   2: Cannot remove last IPv6 address 2001:db8::5
   2: System error 2: No such file or directory
   IPV6ADDR=2001:db8::5/64
   --
-  1: a: cannot parse IPv6 address
+  1: b: cannot parse IPv6 address
   1: System error 2: No such file or directory
-  2: a: cannot parse IPv6 address
+  2: b: cannot parse IPv6 address
   2: System error 2: No such file or directory
-  IPV6ADDR_SECONDARIES=a
+  IPV6ADDR_SECONDARIES=a/1 b
+  --
+  1: b: cannot parse IPv6 address
+  1: System error 2: No such file or directory
+  2: b: cannot parse IPv6 address
+  2: System error 2: No such file or directory
+  IPV6ADDR_SECONDARIES=a/1 b
   --
   $ touch /etc/kel/kel.conf; delete 'IPV6ADDR_SECONDARIES=a/65536 b\n' 'IPV6ADDR_SECONDARIES=a/65535 b\n'
   1: b: cannot parse IPv6 address
@@ -310,11 +320,12 @@ A line of more than 8095 bytes is read in pieces. Each piece that starts like a 
   #(zeros)IPV6ADDR_SECONDARIES=a/1
   IPV6ADDR_SECONDARIES="2001:db8::6/64"
 
-The new file has the mode of the old one, whose other names keep the old text.
+The new file has the mode of the old one, whose other names keep the old text, but not its time.
 
-  $ fresh; chmod 6604 $file; ln $file /etc/sysconfig/another; cp $file /etc/sysconfig/copy
-  $ addrtool -a eth0 2001:db8::5 64; stat -c '%a %h' $file; cmp /etc/sysconfig/another /etc/sysconfig/copy
+  $ fresh; chmod 6604 $file; touch -d 2000-01-01 $file; ln $file /etc/sysconfig/another; cp $file /etc/sysconfig/copy
+  $ addrtool -a eth0 2001:db8::5 64; stat -c '%a %h' $file; find $file -mmin -9; cmp /etc/sysconfig/another /etc/sysconfig/copy
   6604 1
+  /etc/sysconfig/network-scripts/ifcfg-eth0
 
 A link is replaced by a file with the mode of its target, which stays.
 
