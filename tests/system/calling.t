@@ -42,6 +42,9 @@ In shell, what is refused or not saved is said in one line.
   $ present eth0 '192.0.2.10; id' 255.255.255.0
   192.0.2.10; id: not canonical
   [1]
+  $ present '\(;id\)*eth0' 2001:db8::5 64
+  2001:db8::5: not canonical
+  [1]
   $ present eth9 192.0.2.10 255.255.255.0
   192.0.2.10: no such interface: eth9
   [1]
