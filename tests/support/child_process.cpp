@@ -1,7 +1,6 @@
 #include "support/child_process.h"
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -71,31 +70,6 @@ Outcome runWithBrokenOutput(const std::function<void()>& function) {
     std::setvbuf(stdout, nullptr, _IONBF, 0);
     function();
   });
-}
-
-// posix_spawn does not copy the page tables, which are large in a sanitized process.
-Outcome runCommand(const std::vector<std::string>& command) {
-  std::vector<char*> arguments;
-  arguments.reserve(command.size() + 1);
-  for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
-  arguments.push_back(nullptr);
-
-  const Streams streams = makeStreams();
-  posix_spawn_file_actions_t redirections;
-  posix_spawn_file_actions_init(&redirections);
-  for (int fd = 0; const int stream : streams) {
-    posix_spawn_file_actions_adddup2(&redirections, stream, fd++);
-  }
-  pid_t child = 0;
-  const int error =
-      posix_spawnp(&child, arguments.front(), &redirections, nullptr, arguments.data(), environ);
-  posix_spawn_file_actions_destroy(&redirections);
-  if (error != 0) throw std::runtime_error(command.front() + ": cannot be started");
-  return waitFor(child, streams);
-}
-
-Outcome runShell(const std::string& script) {
-  return runCommand({"sh", "-c", script});
 }
 
 }  // namespace addrtool::testing

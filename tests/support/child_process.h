@@ -1,4 +1,4 @@
-// Runs a program, or a function in a child process, and captures both output streams separately.
+// Runs a function in a child process and captures both output streams separately.
 // Provides GoogleTest.
 #pragma once
 
@@ -7,7 +7,6 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace addrtool::testing {
 
@@ -27,23 +26,12 @@ inline Outcome success(const std::string& out) {
 }
 inline const Outcome silentSuccess = success("");
 
-/// Exit status 1 and this line on standard error.
-inline Outcome failure(const std::string& message) {
-  return {1, 0, "", message + '\n'};
-}
-
 /// The same text on both streams.
 inline Outcome onBothStreams(const std::string& text, int status = 0) {
   return {status, 0, text, text};
 }
 
 void PrintTo(const Outcome& outcome, std::ostream* stream);
-
-/// Runs the command (found on the PATH) to its end, without standard input.
-Outcome runCommand(const std::vector<std::string>& command);
-
-/// Runs `sh -c script`.
-Outcome runShell(const std::string& script);
 
 /// Calls the function in a child process, which then calls exit(0) if the function returns.
 Outcome runInChild(const std::function<void()>& function);

@@ -1,4 +1,4 @@
-// Temporary directories, whole files, streams whose reads are given, and patterns in texts.
+// Temporary directories, whole files, and streams whose reads are given.
 #pragma once
 
 #include <cstdio>
@@ -37,10 +37,5 @@ std::FILE* openTexts(std::queue<std::string>& texts);
 
 /// Returns the sorted names in the directory.
 std::vector<std::string> listDirectory(const fs::path& path);
-
-/// Returns the matches of the extended pattern, regex(7), in the text: each one whole, then its
-/// groups. A group that takes no part is empty. Stops at an empty match. Throws
-/// std::invalid_argument if the pattern is malformed.
-std::vector<std::vector<std::string>> findAll(const std::string& text, const std::string& pattern);
 
 }  // namespace addrtool::testing
