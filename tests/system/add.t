@@ -2,7 +2,7 @@ Adding an address.
 
 An IPv4 add makes an alias with a file of its own, and prints nothing.
 
-  $ fresh
+  $ fresh || exit 80
   $ streams addrtool --add eth0 192.0.2.10 255.255.255.0
   $ changed
   + eth0:1 192.0.2.10/24

@@ -2,7 +2,8 @@ The files of aliases.
 
 A new file is root's and readable by all, whatever the umask and the directory are.
 
-  $ fresh; chmod 2700 /etc/sysconfig/network-scripts; changed >/dev/null
+  $ fresh || exit 80
+  $ chmod 2700 /etc/sysconfig/network-scripts; changed >/dev/null
   $ (umask 077; addrtool -a eth0 192.0.2.10 255.255.255.0); (umask 0; addrtool -a eth0 192.0.2.11 255.255.255.255)
   $ changed | grep ifcfg
   + ifcfg-eth0:1 0:0 644

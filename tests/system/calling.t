@@ -2,6 +2,7 @@ Calling the program as docs/calling.md says.
 
 The snippets of that page are loaded.
 
+  $ fresh || exit 80
   $ snippet() { sed -n "/^\`\`\`$1$/,/^\`\`\`$/{/^\`\`\`/d;p}" "$ROOT/docs/calling.md"; }
   $ eval "$(snippet bash)"
   $ python() {

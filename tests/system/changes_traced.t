@@ -4,7 +4,8 @@ Needs tracing.
 
 A new file gets its owner, then its mode, then its name. Nothing waits for the disk.
 
-  $ fresh; file=/etc/sysconfig/network-scripts/ifcfg-eth0
+  $ fresh || exit 80
+  $ file=/etc/sysconfig/network-scripts/ifcfg-eth0
   $ calls '/chown|chmod|rename|unlink|sync' addrtool -a eth0 192.0.2.10 255.255.255.0
   chown("/etc/sysconfig/network-scripts/ifcfg-eth0:1.XXXXXX", 0, 0) = 0
   chmod("/etc/sysconfig/network-scripts/ifcfg-eth0:1.XXXXXX", 0644) = 0

@@ -2,7 +2,8 @@ The command that changes the running system.
 
 It gets the environment of the program as it is. LC_ALL is not set for it.
 
-  $ fresh; record 'tr "\0" "\n" </proc/$$/environ | grep -Ev "^(PWD|OLDPWD|SHLVL|_)=" | sort'
+  $ fresh || exit 80
+  $ record 'tr "\0" "\n" </proc/$$/environ | grep -Ev "^(PWD|OLDPWD|SHLVL|_)=" | sort'
   $ env -i LC_ALL=POSIX PATH=/nowhere:/bin "A=b c" "$(command -v addrtool)" -a eth0 2001:db8::5 64
   ifconfig [eth0] [add] [2001:db8::5/64]
   A=b c

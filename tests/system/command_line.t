@@ -2,7 +2,7 @@ Options and operands: which actions they run, in which order, with which status.
 
 Without an action, the usage text goes to standard error, and the status is 2.
 
-  $ fresh
+  $ fresh || exit 80
   $ ip address delete 2001:db8::1/64 dev eth0
   $ changed
   - eth0 2001:db8::1/64

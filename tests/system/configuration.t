@@ -2,7 +2,7 @@ The runtime configuration /etc/kel/kel.conf: it is loaded, and nothing depends o
 
 Its contents change nothing and cause no message.
 
-  $ fresh
+  $ fresh || exit 80
   $ mkdir kel
   $ listing() { addrtool -l 2>&1 | cmp - expected; }
   $ addrtool -l >expected

@@ -2,7 +2,7 @@ The container check: does a line of /proc/qv/veinfo hold the text.
 
 Without the file, the answer is 0, even for an empty text. No line feed follows it.
 
-  $ fresh
+  $ fresh || exit 80
   $ addrtool --qv-assigned-ip 10.0.0.1
   0 (no-eol)
   $ addrtool -v 10.0.0.1 -v ''

@@ -2,7 +2,8 @@ Deleting an address.
 
 An IPv4 delete takes the alias down and removes its file, and prints nothing.
 
-  $ fresh; addrtool -a eth0 192.0.2.10 255.255.255.0; addrtool -a eth0 198.51.100.1 255.255.255.0
+  $ fresh || exit 80
+  $ addrtool -a eth0 192.0.2.10 255.255.255.0; addrtool -a eth0 198.51.100.1 255.255.255.0
   $ changed >/dev/null
   $ streams addrtool --del 192.0.2.10
   $ changed

@@ -4,7 +4,7 @@ Needs a real processor.
 
 Complaints of the option parser start with the name that the caller gave.
 
-  $ fresh
+  $ fresh || exit 80
   $ (exec -a /opt/panel/tool addrtool -x -l)
   /opt/panel/tool: invalid option -- 'x'
   192.0.2.1 255.255.255.0 eth0 1

@@ -4,7 +4,7 @@ Needs tracing.
 
 A failing step of the reading gives one message. No step is repeated, and no action follows.
 
-  $ fresh
+  $ fresh || exit 80
   $ for failure in 'socket EMFILE' 'sendto ENOBUFS' 'recvfrom:when=1 ENOMEM' \
   >     'recvfrom:when=2 ENOMEM' 'recvfrom:when=1 EINTR' 'recvfrom:when=1 EAGAIN' \
   >     'ioctl:when=1 EPERM' 'recvfrom:when=1 retval=0' 'recvfrom:when=2 retval=15'; do

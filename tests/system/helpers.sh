@@ -2,7 +2,8 @@
 #
 # What every transcript may use besides addrtool and the usual commands:
 #
-#   fresh                  a fresh machine: see scripts/sandbox
+#   fresh                  a fresh machine: see scripts/sandbox. The first command of a transcript is
+#                          "fresh || exit 80"
 #   changed                what is different since the last fresh or changed: the kernel's addresses,
 #                          and each file of the network scripts with its owner, mode and lines.
 #                          It marks new lines with + and old ones with -

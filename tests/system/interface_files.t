@@ -2,6 +2,7 @@ The lists of IPv6 addresses in the files of interfaces.
 
 An add appends a list if the file has none. It never sets IPV6ADDR.
 
+  $ fresh || exit 80
   $ file=/etc/sysconfig/network-scripts/ifcfg-eth0
   $ try() { # CONTENT OPTION ...: the messages of addrtool with this file, and the new file
   >   printf "$1" >$file; streams addrtool "${@:2}" | grep -v ifconfig; cat -vT $file; echo --; }

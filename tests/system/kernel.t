@@ -4,7 +4,7 @@ Needs tracing.
 
 Addresses are read with one request and the receives for its answer. There is no time-out or lock.
 
-  $ fresh
+  $ fresh || exit 80
   $ network() {
   >   calls '%network,/^(flock|fcntl|alarm|setitimer|timer_|p?poll|p?select|epoll)' addrtool "$@" |
   >     grep -v '^socket(AF_UNIX' |

@@ -3,6 +3,7 @@ shorter name.
 
 An alias number is free only if the label has at most 15 bytes.
 
+  $ fresh || exit 80
   $ for name in enp193s0f1np enp193s0f1np1 enp193s0f1np12 enx001122334455; do
   >   fresh; n=0; interface $name 10.1.1.1/24
   >   while addrtool -a $name 10.1.3.$((++n)) 255.255.255.255; do :; done

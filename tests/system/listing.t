@@ -2,7 +2,7 @@ The listing: which addresses it has, in which order, with which fields.
 
 A line has the address, the netmask or prefix length, the interface, and 1 for the primary address.
 
-  $ fresh
+  $ fresh || exit 80
   $ streams addrtool --list
   1: 192.0.2.1 255.255.255.0 eth0 1
   1: 2001:db8::1 64 eth0 0

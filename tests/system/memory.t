@@ -6,7 +6,7 @@ Needs no sanitizer.
 
 A failure of any standard kind is reported, such as a lack of memory for the addresses.
 
-  $ fresh
+  $ fresh || exit 80
   $ for ((n = 0; n < 2000; n++)); do echo "10.0.$((n / 250)).$((n % 250)) $n"; done |
   >   sed 's|\(.*\) \(.*\)|address add \1/32 dev eth0 label eth0:\2|' | ip -batch -
   $ calls brk,mmap,socket addrtool -l | sed '/^socket/q' >early

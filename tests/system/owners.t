@@ -4,7 +4,8 @@ Needs other owners.
 
 A replaced file keeps owner, group and mode, also the bits that a change of owner clears.
 
-  $ fresh; file=/etc/sysconfig/network-scripts/ifcfg-eth0
+  $ fresh || exit 80
+  $ file=/etc/sysconfig/network-scripts/ifcfg-eth0
   $ for name in $file $file:1; do touch $name; chown 12:34 $name; chmod 7640 $name; done; changed >/dev/null
   $ addrtool -a eth0 192.0.2.10 255.255.255.0; addrtool -a eth0 2001:db8::5 64; changed
   + eth0:1 192.0.2.10/24

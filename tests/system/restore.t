@@ -3,7 +3,8 @@ promote_secondaries is on.
 
 A delete puts back the aliases that vanish with it, and touches no file but that of the deleted one.
 
-  $ fresh; for n in 1 2 3; do addrtool -a eth0 198.51.100.$n 255.255.255.0; done; changed >/dev/null
+  $ fresh || exit 80
+  $ for n in 1 2 3; do addrtool -a eth0 198.51.100.$n 255.255.255.0; done; changed >/dev/null
   $ streams addrtool -d 198.51.100.1
   $ changed
   - eth0:1 198.51.100.1/24

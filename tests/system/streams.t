@@ -2,7 +2,7 @@ Both streams: what is written to which, in which order, and what happens if it c
 
 Everything comes in the order of the events, whatever the stream.
 
-  $ fresh
+  $ fresh || exit 80
   $ addrtool -v 10.0.0.1 -d 192.0.2.1
   0192.0.2.1: cannot delete main IP on interface
   [1]

@@ -2,7 +2,7 @@ What the manual page warns of, as far as a sandbox can show it. The other themes
 
 A saved length of 0, once it is up, is a default route that wins over a gateway of a high metric.
 
-  $ fresh
+  $ fresh || exit 80
   $ addrtool -a eth0 2001:db8::5 64 && addrtool -a eth0 2001:db8::6 64
   $ grep -o '2001:db8::5.*' /etc/sysconfig/network-scripts/ifcfg-eth0
   2001:db8::5/0"
