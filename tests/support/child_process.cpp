@@ -1,6 +1,5 @@
 #include "support/child_process.h"
 
-#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -58,18 +57,6 @@ Outcome runInChild(const std::function<void()>& function) {
     std::exit(0);
   }
   return waitFor(child, streams);
-}
-
-Outcome runWithBrokenOutput(const std::function<void()>& function) {
-  return runInChild([&function] {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) _exit(1);
-    dup2(ends[1], STDOUT_FILENO);
-    close(ends[0]);
-    std::setvbuf(stderr, nullptr, _IOFBF, BUFSIZ);
-    std::setvbuf(stdout, nullptr, _IONBF, 0);
-    function();
-  });
 }
 
 }  // namespace addrtool::testing

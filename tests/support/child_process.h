@@ -41,10 +41,6 @@ inline void expectInChild(const Outcome& outcome, const std::function<void()>& f
   EXPECT_EQ(runInChild(function), outcome);
 }
 
-/// The same with standard error buffered and each write to standard output ending the child
-/// (SIGPIPE): only what was flushed to standard error before is in the outcome.
-Outcome runWithBrokenOutput(const std::function<void()>& function);
-
 /// The message of the std::runtime_error that the function throws, or "" if it throws none.
 inline std::string failureOf(const std::function<void()>& function) {
   try {

@@ -1,4 +1,4 @@
-// Records what the code under test logs, and logs for a test.
+// Records what the code under test logs.
 #pragma once
 
 #include <cerrno>
@@ -22,15 +22,6 @@ struct LoggedMessage {
 
 inline void PrintTo(const LoggedMessage& message, std::ostream* stream) {
   *stream << "at " << message.priority << ": \"" << message.text << '"';
-}
-
-/// Logs through logMessageV, which takes the arguments as a list.
-__attribute__((format(printf, 2, 3))) inline void logThroughList(int priority, const char* format,
-                                                                 ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  logMessageV(priority, format, arguments);
-  va_end(arguments);
 }
 
 /// While it exists, it is the log function. Sets errno on every call, as a failing log sink would.

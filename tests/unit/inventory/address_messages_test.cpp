@@ -71,7 +71,7 @@ TEST(AddressMessages, OnlyTheFamiliesOfInternetAddressesCount) {
 
 TEST(AddressMessages, TheTypeAndTheFlagsOfAMessageAreIgnored) {
   for (unsigned bit = 0; bit < 16; ++bit) {
-    for (const unsigned value : {0U, 1U << bit, (1U << bit) - 1, 0xFFFFU}) {
+    for (const unsigned value : {bit, bit + 16, 1U << bit, 0xFFFFU ^ (1U << bit)}) {
       SCOPED_TRACE(value);
       EXPECT_EQ(collect({with(&AddressMessage::type, value, ipv4())}), plainIPv4);
       EXPECT_EQ(collect({with(&AddressMessage::messageFlags, value, ipv4())}), plainIPv4);

@@ -5,10 +5,10 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdarg>
 #include <map>
 
 #include "support/child_process.h"
-#include "support/log_recorder.h"
 
 namespace addrtool::testing {
 namespace {
@@ -16,6 +16,14 @@ namespace {
 using Lines = std::vector<std::string>;
 
 Lines syslogCalls;  // of openlog(3) and closelog(3)
+
+// Logs through logMessageV, which takes the arguments as a list.
+__attribute__((format(printf, 2, 3))) void logThroughList(int priority, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  logMessageV(priority, format, arguments);
+  va_end(arguments);
+}
 
 TEST(LogSettings, DefaultToTheConsoleAndLevelInfo) {
   EXPECT_EQ(logTarget, nullptr);
