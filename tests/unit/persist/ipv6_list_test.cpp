@@ -27,6 +27,7 @@ TEST(IPv6List, IsTheTextAfterTheEqualsSignSplitAtWhiteSpace) {
       {"=2001:db8::2/64\n", {two}},
       {"K=2001:db8::2/64 2001:db8::3/48\n", {two, three}},
       {"K= \t2001:db8::2/64\v \f2001:db8::3/48\r\n", {two, three}},
+      {"K=2001:db8::2/64\r2001:db8::3/48 \r\n", {two, three}},
       {"", {}},
       {"\n", {}},
       {"K\n", {}},
@@ -54,6 +55,7 @@ TEST(IPv6List, IsTheTextAfterTheEqualsSignSplitAtWhiteSpace) {
         {"`f", 3}}},
       {"K=a/0 b/ c/64x d/-1 e/65536 f/x g/'64' h/0x40\n",
        {{"a", 0}, {"b", 0}, {"c", 0}, {"d", 0}, {"e", 0}, {"f", 0}, {"g", 0}, {"h", 0}}},
+      {"K=`a/1`\n", {{"`a", 0}}},
       {"K=a/65535 b/+64 c/0064 d/129\n", {{"a", 65535}, {"b", 64}, {"c", 64}, {"d", 129}}}};
   for (const auto& [line, expected] : table) {
     Entries entries{two};  // new entries are appended
