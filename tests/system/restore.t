@@ -28,11 +28,11 @@ They come back in text order of their suffixes, each with its address and length
   $ ip -4 -o address show dev eth0 | grep -c eth0:
   6
   $ record 'ip address flush dev eth0 label "eth0:*"'
-  $ addrtool -d 198.51.100.2
-  ifconfig [eth0:2] [down]
+  $ addrtool -d 198.51.100.1
+  ifconfig [eth0:1] [down]
   ifconfig [eth0:] [10.0.0.3] [netmask] [255.255.255.255] [up]
-  ifconfig [eth0:1] [198.51.100.1] [netmask] [255.255.255.0] [up]
   ifconfig [eth0:10] [10.0.0.1] [netmask] [255.0.0.0] [up]
+  ifconfig [eth0:2] [198.51.100.2] [netmask] [255.255.255.128] [up]
   ifconfig [eth0:Web] [10.0.0.4] [netmask] [128.0.0.0] [up]
   ifconfig [eth0:web:x] [10.0.0.2] [netmask] [255.255.255.255] [up]
 
