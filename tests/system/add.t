@@ -73,7 +73,8 @@ A delete in the same call comes first, and frees its number.
 The lowest set bit of the netmask decides. The command and the file have the netmask made from it.
 
   $ fresh; record
-  $ for netmask in 255.255.255.128 255.0.255.0 0.0.255.0 0.0.0.255 128.0.0.0 255.255.255.255 0.0.0.0; do
+  $ for netmask in 255.255.255.128 255.0.255.0 0.0.255.0 0.0.0.255 128.0.0.0 255.255.255.255 \
+  >     0.0.0.0; do
   >   addrtool -a eth0 10.0.0.5 $netmask
   >   grep NETMASK /etc/sysconfig/network-scripts/ifcfg-eth0:1; done
   ifconfig [eth0:1] [10.0.0.5] [netmask] [255.255.255.128] [up]
@@ -100,7 +101,8 @@ A netmask of zeros adds an address of length 32.
 A text that is no netmask is refused, before the interface is looked at.
 
   $ fresh
-  $ for netmask in 24 '' 255.255.255 '255.255.255.0 ' ' 255.255.255.0' 255.255.255.256 255.255.255.00 x; do
+  $ for netmask in 24 '' 255.255.255 '255.255.255.0 ' ' 255.255.255.0' 255.255.255.256 \
+  >     255.255.255.00 x; do
   >   streams addrtool -a eth9 10.0.0.5 "$netmask"; done
   2: 24: cannot convert to netmask
   2: : cannot convert to netmask
@@ -127,7 +129,8 @@ An action that comes before the add is done although the netmask is wrong.
 The address reaches the command and the file as typed.
 
   $ fresh; record
-  $ for address in ' 10.0.0.5 ' 10.0.0.013 10.0.0.5/28 '' '"' 'a; $(id) *' '%s\n' $'two\nlines' -x; do
+  $ for address in ' 10.0.0.5 ' 10.0.0.013 10.0.0.5/28 '' '"' 'a; $(id) *' '%s\n' $'two\nlines' \
+  >     -x; do
   >   addrtool -a eth0 -- "$address" 255.255.255.0
   >   sed '1d; $d' /etc/sysconfig/network-scripts/ifcfg-eth0:1; done
   ifconfig [eth0:1] [ 10.0.0.5 ] [netmask] [255.255.255.0] [up]
@@ -390,7 +393,8 @@ The interface of an IPv6 add reaches the shell as typed.
   ifconfig [eth0] [add] [2001:db8::5/64]
   $ changed
 
-The command alone refuses an interface that does not exist, an address that is there, and a bad address.
+The command alone refuses an interface that does not exist, an address that is there, and a bad
+address.
 
   $ fresh
   $ addrtool -a eth9 2001:db8::5 64 2>&1 | tail -n 1

@@ -4,7 +4,8 @@ A new file is root's and readable by all, whatever the umask and the directory a
 
   $ fresh || exit 80
   $ chmod 2700 /etc/sysconfig/network-scripts; changed >/dev/null
-  $ (umask 077; addrtool -a eth0 192.0.2.10 255.255.255.0); (umask 0; addrtool -a eth0 192.0.2.11 255.255.255.255)
+  $ (umask 077; addrtool -a eth0 192.0.2.10 255.255.255.0)
+  $ (umask 0; addrtool -a eth0 192.0.2.11 255.255.255.255)
   $ changed | grep ifcfg
   + ifcfg-eth0:1 0:0 644
   + ifcfg-eth0:1: DEVICE="eth0:1"
@@ -20,7 +21,8 @@ An old file is replaced whole, whatever is in it. The new one has its mode.
   $ fresh; file=/etc/sysconfig/network-scripts/ifcfg-eth0:1
   $ for mode in 600 7640 0 444; do
   >   printf 'ONBOOT=no\nIPADDR=10.0.0.1\n# long %01000d\n' 0 >$file; chmod $mode $file
-  >   addrtool -a eth0 192.0.2.10 255.255.255.0; stat -c %a $file; cat $file; addrtool -d 192.0.2.10; done
+  >   addrtool -a eth0 192.0.2.10 255.255.255.0; stat -c %a $file
+  >   cat $file; addrtool -d 192.0.2.10; done
   600
   DEVICE="eth0:1"
   IPADDR="192.0.2.10"
@@ -47,7 +49,8 @@ The old file is not written to.
 
 A link is replaced by a file with the mode of its target, which stays.
 
-  $ fresh; echo target >/etc/sysconfig/target; chmod 640 /etc/sysconfig/target; ln -s ../target $file
+  $ fresh; echo target >/etc/sysconfig/target; chmod 640 /etc/sysconfig/target
+  $ ln -s ../target $file
   $ addrtool -a eth0 192.0.2.10 255.255.255.0; stat -c '%F %a' $file; cat /etc/sysconfig/target
   regular file 640
   target
@@ -55,7 +58,8 @@ A link is replaced by a file with the mode of its target, which stays.
 A link to nothing, or to itself, is replaced as if it were not there.
 
   $ for target in nothing ifcfg-eth0:1; do fresh; ln -s $target $file
-  >   addrtool -a eth0 192.0.2.10 255.255.255.0; stat -c '%F %a' $file; ls /etc/sysconfig/network-scripts; done
+  >   addrtool -a eth0 192.0.2.10 255.255.255.0; stat -c '%F %a' $file
+  >   ls /etc/sysconfig/network-scripts; done
   regular file 644
   ifcfg-eth0
   ifcfg-eth0:1
@@ -79,8 +83,9 @@ A fourth line follows if /etc/SuSE-release exists, whatever it is. Each add look
 
 The shell reads that line as it was meant.
 
-  $ rm $marker; touch $marker; addrtool -a eth0 192.0.2.10 255.255.255.0; (. $file; echo $STARTMODE); tail -c 20 $file | wc -l
+  $ rm $marker; touch $marker; addrtool -a eth0 192.0.2.10 255.255.255.0; (. $file; echo $STARTMODE)
   onboot
+  $ tail -c 20 $file | wc -l
   2
 
 A label with a slash names a file in a directory.
@@ -108,7 +113,8 @@ A delete and the IPv6 changes ignore a missing directory.
 A read-only directory is like a missing one.
 
   $ fresh; addrtool -a eth0 192.0.2.10 255.255.255.0; addrtool -a eth0 2001:db8::5 64
-  $ mount --bind /etc/sysconfig /etc/sysconfig && mount -o remount,bind,ro /etc/sysconfig; changed >/dev/null
+  $ mount --bind /etc/sysconfig /etc/sysconfig && mount -o remount,bind,ro /etc/sysconfig
+  $ changed >/dev/null
   $ streams addrtool -a eth0 192.0.2.11 255.255.255.0
   2: /etc/sysconfig/network-scripts/ifcfg-eth0:2: Read-only file system
   [1]
@@ -145,7 +151,8 @@ So is a disk that has no room for another file, but a delete needs none.
 
 A full disk is not noticed. The new file is empty.
 
-  $ full() { disk nr_blocks=$1; head -c "$(getconf PAGESIZE)" /dev/zero >/etc/sysconfig/network-scripts/filler; }
+  $ full() { disk nr_blocks=$1
+  >   head -c "$(getconf PAGESIZE)" /dev/zero >/etc/sysconfig/network-scripts/filler; }
   $ fresh; echo old >$file; full 3
   $ streams addrtool -a eth0 192.0.2.10 255.255.255.0; wc -c $file
   0 /etc/sysconfig/network-scripts/ifcfg-eth0:1

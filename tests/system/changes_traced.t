@@ -18,10 +18,11 @@ A new file gets its owner, then its mode, then its name. Nothing waits for the d
 An IPv6 edit that cannot be made removes the new file.
 
   $ cp $file /etc/saved; echo IPV6ADDR_SECONDARIES=x >>$file
-  $ calls '/chown|chmod|rename|unlink' addrtool -a eth0 2001:db8::6 64 2>/dev/null | tail -n 3; cp /etc/saved $file
+  $ calls '/chown|chmod|rename|unlink' addrtool -a eth0 2001:db8::6 64 2>/dev/null | tail -n 3
   chown("/etc/sysconfig/network-scripts/ifcfg-eth0.XXXXXX", 0, 0) = 0
   chmod("/etc/sysconfig/network-scripts/ifcfg-eth0.XXXXXX", 0100644) = 0
   unlink("/etc/sysconfig/network-scripts/ifcfg-eth0.XXXXXX") = 0
+  $ cp /etc/saved $file
 
 Before an IPv4 add the kernel is asked once, and before an IPv6 add it is not.
 
@@ -46,12 +47,15 @@ Each action asks on its own.
   $ steps addrtool -d 198.51.100.3 -d 198.51.100.4 -a eth0 198.51.100.5 255.255.255.0
   sendto /sbin/ifconfig unlink sendto sendto /sbin/ifconfig unlink sendto sendto /sbin/ifconfig rename
 
-The command has the limits, the rights, the process group and the signal settings of the program's caller.
+The command has the limits, the rights, the process group and the signal settings of the program's
+caller.
 
   $ fresh
   $ record 'sed -nE "s/^(SigIgn:).*(.{7})$/\1\2/p; /^(NoNew|Seccomp|Groups|Cap)/p" /proc/$$/status
-  >   cut -d " " -f 5,6,18,19 /proc/$$/stat; grep -v "core file" /proc/$$/limits; readlink /proc/$$/ns/*'
-  $ /sbin/ifconfig eth0 add 2001:db8::5/64 >/etc/direct; addrtool -a eth0 2001:db8::5 64 | diff /etc/direct - && grep -c SigIgn /etc/direct
+  >   cut -d " " -f 5,6,18,19 /proc/$$/stat
+  >   grep -v "core file" /proc/$$/limits; readlink /proc/$$/ns/*'
+  $ /sbin/ifconfig eth0 add 2001:db8::5/64 >/etc/direct
+  $ addrtool -a eth0 2001:db8::5 64 | diff /etc/direct - && grep -c SigIgn /etc/direct
   1
 
 There is no time limit and no lock.
@@ -74,8 +78,8 @@ If the kernel cannot be asked again, the alias and its file stay deleted.
   - ifcfg-eth0:1: IPADDR="198.51.100.1"
   - ifcfg-eth0:1: NETMASK="255.255.255.0"
 
-If the program cannot wait for the command, because its caller ignores SIGCHLD, the command counts as failed with
-status 255. It is not repeated.
+If the program cannot wait for the command, because its caller ignores SIGCHLD, the command counts
+as failed with status 255. It is not repeated.
 
   $ fresh; record 'ip address add $2/24 dev eth0 label $1'
   $ streams env --ignore-signal=CHLD addrtool -a eth0 192.0.2.10 255.255.255.0
@@ -115,8 +119,9 @@ A failed renaming leaves the new file. Only an IPv4 add reports it.
   /etc/sysconfig/network-scripts/ifcfg-eth0:1: Input/output error
   [1]
   $ streams fail /rename EIO addrtool -a eth0 2001:db8::5 64
-  $ addresses | grep -c -e 192.0.2.10 -e 2001:db8::5; ls /etc/sysconfig/network-scripts | sed -E 's/[.].{6}$/.XXXXXX/'
+  $ addresses | grep -c -e 192.0.2.10 -e 2001:db8::5
   2
+  $ ls /etc/sysconfig/network-scripts | sed -E 's/[.].{6}$/.XXXXXX/'
   ifcfg-eth0
   ifcfg-eth0.XXXXXX
   ifcfg-eth0:1.XXXXXX
@@ -130,7 +135,8 @@ A file that cannot be removed stays, without a message.
 If an old file cannot be examined, the new one has the mode of a file that was not there.
 
   $ fresh; touch $file:1; chmod 600 $file:1 $file
-  $ trace -P $file:1 -e inject=/stat:error=EACCES addrtool -a eth0 192.0.2.10 255.255.255.0; stat -c %a $file:1
+  $ trace -P $file:1 -e inject=/stat:error=EACCES addrtool -a eth0 192.0.2.10 255.255.255.0
+  $ stat -c %a $file:1
   644
 
 An interface's file that cannot be examined stays, without a message.

@@ -73,7 +73,8 @@ It gets no descriptor of the program's files.
   $ fresh; mkdir /etc/kel /proc/qv; echo A b >/etc/kel/kel.conf; seq 9999 >/proc/qv/veinfo
   $ for n in 1 2; do ip address add 198.51.100.$n/24 dev eth0 label eth0:$n; done
   $ ls /proc/self/fd >/etc/descriptors
-  $ record 'ls /proc/self/fd | diff /etc/descriptors - && echo same; ip address flush dev eth0 label "eth0:*"'
+  $ record 'ls /proc/self/fd | diff /etc/descriptors - && echo same
+  >   ip address flush dev eth0 label "eth0:*"'
   $ addrtool -v 1 -l -d 198.51.100.1 -a eth0 192.0.2.10 255.255.255.0 >/etc/output; cat /etc/output
   192.0.2.1 255.255.255.0 eth0 1
   198.51.100.1 255.255.255.0 eth0 0
@@ -100,7 +101,8 @@ It inherits what the caller has open, and the program's input if that is closed.
 Each status but 0 is a failure with this number. The command is not repeated.
 
   $ fresh; record 'exit $STATUS'
-  $ for status in 1 2 10 126 127 128 137 255; do STATUS=$status addrtool -a eth0 2001:db8::5 64; done
+  $ for status in 1 2 10 126 127 128 137 255; do
+  >   STATUS=$status addrtool -a eth0 2001:db8::5 64; done
   ifconfig [eth0] [add] [2001:db8::5/64]
   /sbin/ifconfig eth0 add 2001:db8::5/64 exited with non-zero status 1
   ifconfig [eth0] [add] [2001:db8::5/64]
@@ -150,7 +152,8 @@ The fixed path is run, whatever PATH says.
 
 A terminal's interrupt during the command ends the command alone.
 
-  $ fresh; record 'kill -INT "$(cat /proc/.sandbox/pid)"; kill -QUIT "$(cat /proc/.sandbox/pid)"; exit 4'
+  $ fresh
+  $ record 'kill -INT "$(cat /proc/.sandbox/pid)"; kill -QUIT "$(cat /proc/.sandbox/pid)"; exit 4'
   $ bash -c 'echo $$ >/proc/.sandbox/pid; exec addrtool -a eth0 2001:db8::5 64'
   ifconfig [eth0] [add] [2001:db8::5/64]
   /sbin/ifconfig eth0 add 2001:db8::5/64 exited with non-zero status 4

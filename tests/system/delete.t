@@ -177,7 +177,8 @@ The addresses of 169.254.0.0/16 and fd00::/8 and those of the loopback interface
 An IPv4 address must be written as the kernel prints it. The message ends in a full stop.
 
   $ fresh; addrtool -a eth0 10.0.0.1 255.255.255.0; changed >/dev/null
-  $ for address in 127.0.0.1 192.0.2.99 10.0.0.01 ' 10.0.0.1' '10.0.0.1 ' 10.0.1 10.0.0.1/24 10.0.0. eth0 localhost ''; do
+  $ for address in 127.0.0.1 192.0.2.99 10.0.0.01 ' 10.0.0.1' '10.0.0.1 ' 10.0.1 10.0.0.1/24 \
+  >     10.0.0. eth0 localhost ''; do
   >   streams addrtool -d "$address"; done
   2: 127.0.0.1: not configured.
   2: 192.0.2.99: not configured.
@@ -249,10 +250,12 @@ An IPv6 delete takes the address from the kernel and from the list, and prints n
   - eth0 2001:db8::5/64
   - ifcfg-eth0: IPV6ADDR_SECONDARIES="2001:db8::5/64"
 
-Any spelling of an IPv6 address will do. The command has the kernel's text and length, and no quotes.
+Any spelling of an IPv6 address will do. The command has the kernel's text and length, and no
+quotes.
 
   $ ip address add 2001:db8::5/48 dev eth0 nodad; record 'exit 1'
-  $ for address in 2001:db8::5 2001:DB8:0:0::5 2001:db8::0.0.0.5 2001:0db8:0000:0000:0000:0000:0000:0005; do
+  $ for address in 2001:db8::5 2001:DB8:0:0::5 2001:db8::0.0.0.5 \
+  >     2001:0db8:0000:0000:0000:0000:0000:0005; do
   >   addrtool -d $address; done
   ifconfig [eth0] [del] [2001:db8::5/48]
   /sbin/ifconfig eth0 del 2001:db8::5/48 exited with non-zero status 1
@@ -277,12 +280,14 @@ Any spelling of the address is found in the list, however it was added.
   $ for added in $spellings; do for deleted in $spellings; do
   >   addrtool -a eth0 $added 64; addrtool -d $deleted; done; done; changed
 
-An IPv6 address whose text is no such address, or that is not listed, is not configured. There is no full stop.
+An IPv6 address whose text is no such address, or that is not listed, is not configured. There is no
+full stop.
 
   $ ip address add fe80::1/64 dev eth0; ip address add ::2/64 dev eth0
   $ ip address add 2001:db8::7/64 dev eth0 valid_lft 600 preferred_lft 600
   $ ip address add 2001:db8::5/64 dev eth0; changed >/dev/null
-  $ for address in fe80::1 ::1 ::2 2001:db8::7 2001:db8::99 2001:db8::5/64 : 2001:db8:::5 '2001:db8::5 ' \
+  $ for address in fe80::1 ::1 ::2 2001:db8::7 2001:db8::99 2001:db8::5/64 : 2001:db8:::5 \
+  >     '2001:db8::5 ' \
   >     ' 2001:db8::5' '[2001:db8::5]' 192.0.2.1: ::ffff:192.0.2.1 2001:db8::5%eth0 eth0:1; do
   >   streams addrtool -d "$address"; done
   2: fe80::1: not configured
@@ -306,7 +311,8 @@ An IPv6 address whose text is no such address, or that is not listed, is not con
 An address that is only saved, but not up, is not configured, and its file stays.
 
   $ fresh; addrtool -a eth0 192.0.2.10 255.255.255.0; addrtool -a eth0 2001:db8::5 64
-  $ ip address del 192.0.2.10/24 dev eth0; ip address del 2001:db8::5/64 dev eth0; changed >/dev/null
+  $ ip address del 192.0.2.10/24 dev eth0; ip address del 2001:db8::5/64 dev eth0
+  $ changed >/dev/null
   $ addrtool -d 192.0.2.10
   192.0.2.10: not configured.
   [1]
@@ -351,7 +357,8 @@ If the first IPv6 address in the file goes, the first one of the list takes its 
   + ifcfg-eth0: IPV6ADDR=2001:db8::6/64
   + ifcfg-eth0: IPV6ADDR_SECONDARIES="2001:db8::5/0"
 
-The last address of the list becomes the first one without its prefix length, because of the closing quote.
+The last address of the list becomes the first one without its prefix length, because of the closing
+quote.
 
   $ addrtool -d 2001:db8::6; changed
   - eth0 2001:db8::6/64
@@ -359,7 +366,8 @@ The last address of the list becomes the first one without its prefix length, be
   - ifcfg-eth0: IPV6ADDR_SECONDARIES="2001:db8::5/0"
   + ifcfg-eth0: IPV6ADDR=2001:db8::5/0
 
-If the file has no other IPv6 address, both streams say so, with the address as typed, and the file stays.
+If the file has no other IPv6 address, both streams say so, with the address as typed, and the file
+stays.
 
   $ ip address add 2001:db8::9/64 dev eth0 nodad; changed >/dev/null
   $ streams addrtool -d 2001:DB8:0::5

@@ -32,7 +32,8 @@ The address comes first in the list, which is written in its place.
 
 A closing quote costs the last entry its length.
 
-  $ add 'IPV6ADDR_SECONDARIES="2001:db8::2/64"\n' "IPV6ADDR_SECONDARIES='2001:db8::2/64 2001:db8::3/64'\n"
+  $ add 'IPV6ADDR_SECONDARIES="2001:db8::2/64"\n' \
+  >     "IPV6ADDR_SECONDARIES='2001:db8::2/64 2001:db8::3/64'\n"
   IPV6ADDR_SECONDARIES="2001:db8::5/64 2001:db8::2/0"
   --
   IPV6ADDR_SECONDARIES="2001:db8::5/64 2001:db8::2/64 2001:db8::3/0"
@@ -46,7 +47,8 @@ Entries are separated by any white space. A carriage return at the end of the li
   IPV6ADDR_SECONDARIES="2001:db8::5/64 a:/1"
   --
 
-An entry's length that is no number from 0 to 65535 becomes 0. A plus sign and white space are allowed.
+An entry's length that is no number from 0 to 65535 becomes 0. A plus sign and white space are
+allowed.
 
   $ add 'IPV6ADDR_SECONDARIES=a/x b/ c/-1 d/65536 e/65535 f/+64 g/0064 /1\n'
   IPV6ADDR_SECONDARIES="2001:db8::5/64 a/0 b/0 c/0 d/0 e/65535 f/64 g/64 /1"
@@ -126,7 +128,8 @@ If the last line has no line feed, the list is appended to it.
 
 An entry without exactly one slash is reported on both streams, and the file stays.
 
-  $ add 'IPV6ADDR_SECONDARIES=a/1 b\n' 'IPV6ADDR_SECONDARIES=a/1/2\n' 'IPV6ADDR_SECONDARIES="a/1 "\n' 'IPV6ADDR_SECONDARIES=a//1\n'
+  $ add 'IPV6ADDR_SECONDARIES=a/1 b\n' 'IPV6ADDR_SECONDARIES=a/1/2\n' \
+  >     'IPV6ADDR_SECONDARIES="a/1 "\n' 'IPV6ADDR_SECONDARIES=a//1\n'
   1: b: cannot parse IPv6 address
   2: b: cannot parse IPv6 address
   IPV6ADDR_SECONDARIES=a/1 b
@@ -178,7 +181,8 @@ If IPV6ADDR is the address, the first entry takes its place, without quotes.
 
 The quotes, blanks and length of IPV6ADDR do not matter, but other text does.
 
-  $ for value in 2001:DB8:0::5/1 "'2001:db8::5'" '"2001:db8::5"/64' ' "\t2001:db8::5/64 "\r' '2001:db8::5/64 # x' 2001:db8::5//x; do
+  $ for value in 2001:DB8:0::5/1 "'2001:db8::5'" '"2001:db8::5"/64' ' "\t2001:db8::5/64 "\r' \
+  >     '2001:db8::5/64 # x' 2001:db8::5//x; do
   >   delete "IPV6ADDR=$value\nIPV6ADDR_SECONDARIES=a/1\n"; done
   IPV6ADDR=a/1
   --
@@ -207,7 +211,8 @@ The last IPV6ADDR decides, even if it is empty, and each of them is replaced.
   IPV6ADDR=a/1
   --
 
-The first entry is promoted even if it is the address. So entries that all equal the first address do.
+The first entry is promoted even if it is the address. So entries that all equal the first address
+do.
 
   $ delete 'IPV6ADDR=2001:db8::5/64\nIPV6ADDR_SECONDARIES=2001:DB8::5/48 2001:db8::5/64\n'
   IPV6ADDR=2001:DB8::5/48
@@ -267,7 +272,7 @@ It reports an entry without exactly one slash on both streams, and the file stay
 
 The system error of both messages is the last one, if there was any.
 
-  $ rm /etc/kel/kel.conf; delete 'IPV6ADDR=2001:db8::5/64\n' 'IPV6ADDR_SECONDARIES=a/1 b\n'; add 'IPV6ADDR_SECONDARIES=a/1 b\n'
+  $ rm /etc/kel/kel.conf; delete 'IPV6ADDR=2001:db8::5/64\n' 'IPV6ADDR_SECONDARIES=a/1 b\n'
   1: Cannot remove last IPv6 address 2001:db8::5
   1: System error 2: No such file or directory
   2: Cannot remove last IPv6 address 2001:db8::5
@@ -280,13 +285,15 @@ The system error of both messages is the last one, if there was any.
   2: System error 2: No such file or directory
   IPV6ADDR_SECONDARIES=a/1 b
   --
+  $ add 'IPV6ADDR_SECONDARIES=a/1 b\n'
   1: b: cannot parse IPv6 address
   1: System error 2: No such file or directory
   2: b: cannot parse IPv6 address
   2: System error 2: No such file or directory
   IPV6ADDR_SECONDARIES=a/1 b
   --
-  $ touch /etc/kel/kel.conf; delete 'IPV6ADDR_SECONDARIES=a/65536 b\n' 'IPV6ADDR_SECONDARIES=a/65535 b\n'
+  $ touch /etc/kel/kel.conf
+  $ delete 'IPV6ADDR_SECONDARIES=a/65536 b\n' 'IPV6ADDR_SECONDARIES=a/65535 b\n'
   1: b: cannot parse IPv6 address
   1: System error 34: Numerical result out of range
   2: b: cannot parse IPv6 address
@@ -313,20 +320,24 @@ A length that is typed behind the address makes a list that cannot be read.
 A line of more than 8095 bytes is read in pieces. Each piece that starts like a list is one.
 
   $ fresh; record >/dev/null; ip address add 2001:db8::5/64 dev eth0
-  $ printf '#%08094dIPV6ADDR_SECONDARIES=a/1\n' 0 >$file; addrtool -a eth0 2001:db8::6 64; sed 's/0\{8094\}/(zeros)/' $file
+  $ printf '#%08094dIPV6ADDR_SECONDARIES=a/1\n' 0 >$file; addrtool -a eth0 2001:db8::6 64
   ifconfig [eth0] [add] [2001:db8::6/64]
+  $ sed 's/0\{8094\}/(zeros)/' $file
   #(zeros)IPV6ADDR_SECONDARIES="2001:db8::6/64 a/1"
-  $ printf '#%08093dIPV6ADDR_SECONDARIES=a/1\n' 0 >$file; addrtool -a eth0 2001:db8::6 64; sed 's/0\{8093\}/(zeros)/' $file
+  $ printf '#%08093dIPV6ADDR_SECONDARIES=a/1\n' 0 >$file; addrtool -a eth0 2001:db8::6 64
   ifconfig [eth0] [add] [2001:db8::6/64]
+  $ sed 's/0\{8093\}/(zeros)/' $file
   #(zeros)IPV6ADDR_SECONDARIES=a/1
   IPV6ADDR_SECONDARIES="2001:db8::6/64"
 
 The new file has the mode of the old one, whose other names keep the old text, but not its time.
 
-  $ fresh; chmod 6604 $file; touch -d 2000-01-01 $file; ln $file /etc/sysconfig/another; cp $file /etc/sysconfig/copy
-  $ addrtool -a eth0 2001:db8::5 64; stat -c '%a %h' $file; find $file -mmin -9; cmp /etc/sysconfig/another /etc/sysconfig/copy
+  $ fresh; chmod 6604 $file; touch -d 2000-01-01 $file; ln $file /etc/sysconfig/another
+  $ cp $file /etc/sysconfig/copy
+  $ addrtool -a eth0 2001:db8::5 64; stat -c '%a %h' $file; find $file -mmin -9
   6604 1
   /etc/sysconfig/network-scripts/ifcfg-eth0
+  $ cmp /etc/sysconfig/another /etc/sysconfig/copy
 
 A link is replaced by a file with the mode of its target, which stays.
 
@@ -341,8 +352,9 @@ A link is replaced by a file with the mode of its target, which stays.
 
 A link to nothing counts as a missing file.
 
-  $ fresh; ln -sf nothing $file; addrtool -a eth0 2001:db8::5 64; readlink $file; ls /etc/sysconfig/network-scripts
+  $ fresh; ln -sf nothing $file; addrtool -a eth0 2001:db8::5 64; readlink $file
   nothing
+  $ ls /etc/sysconfig/network-scripts
   ifcfg-eth0
 
 A directory in place of the file stays, without a message or a temporary file.

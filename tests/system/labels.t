@@ -1,5 +1,5 @@
-The length of an alias label. The kernel keeps 15 bytes, and ifconfig cuts a longer label: it would change what has the
-shorter name.
+The length of an alias label. The kernel keeps 15 bytes, and ifconfig cuts a longer label: it would
+change what has the shorter name.
 
 An alias number is free only if the label has at most 15 bytes.
 
@@ -20,7 +20,8 @@ An alias number is free only if the label has at most 15 bytes.
 A gap is filled as well.
 
   $ fresh; interface enp193s0f1np1 10.1.1.1/24
-  $ for n in 1 2 3 4 6 7 8 9; do ip address add 10.1.2.$n/32 dev enp193s0f1np1 label enp193s0f1np1:$n; done
+  $ for n in 1 2 3 4 6 7 8 9; do
+  >   ip address add 10.1.2.$n/32 dev enp193s0f1np1 label enp193s0f1np1:$n; done
   $ changed >/dev/null
   $ addrtool -a enp193s0f1np1 10.1.3.1 255.255.255.255
   $ changed
@@ -38,7 +39,8 @@ A gap is filled as well.
 A short name has room for three digits.
 
   $ fresh; interface ens3 10.1.1.1/24
-  $ for ((n = 1; n < 100; ++n)); do echo address add 10.1.2.$n/32 dev ens3 label ens3:$n; done | ip -batch -
+  $ for ((n = 1; n < 100; ++n)); do
+  >   echo address add 10.1.2.$n/32 dev ens3 label ens3:$n; done | ip -batch -
   $ addrtool -a ens3 10.1.3.1 255.255.255.255; addresses | grep 10.1.3.1
   ens3:100 10.1.3.1/32
 

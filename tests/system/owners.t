@@ -6,7 +6,8 @@ A replaced file keeps owner, group and mode, also the bits that a change of owne
 
   $ fresh || exit 80
   $ file=/etc/sysconfig/network-scripts/ifcfg-eth0
-  $ for name in $file $file:1; do touch $name; chown 12:34 $name; chmod 7640 $name; done; changed >/dev/null
+  $ for name in $file $file:1; do
+  >   touch $name; chown 12:34 $name; chmod 7640 $name; done; changed >/dev/null
   $ addrtool -a eth0 192.0.2.10 255.255.255.0; addrtool -a eth0 2001:db8::5 64; changed
   + eth0:1 192.0.2.10/24
   + eth0 2001:db8::5/64
@@ -25,10 +26,13 @@ A new file is owned by root and root's group, whatever the folder and the caller
   $ stat -c '%u:%g %a' $file:1
   0:0 644
 
-A new file in place of a link to nothing is root's too, and one in place of a link has the owner of its target.
+A new file in place of a link to nothing is root's too, and one in place of a link has the owner of
+its target.
 
   $ fresh; ln -s nothing $file:1; chown -h 12:34 $file:1
-  $ touch /etc/sysconfig/target; chown 56:78 /etc/sysconfig/target; ln -s ../target $file:2; chown -h 12:34 $file:2
-  $ for n in 1 2; do addrtool -a eth0 192.0.2.1$n 255.255.255.0; stat -c '%F %u:%g %a' $file:$n; done
+  $ touch /etc/sysconfig/target; chown 56:78 /etc/sysconfig/target; ln -s ../target $file:2
+  $ chown -h 12:34 $file:2
+  $ for n in 1 2; do
+  >   addrtool -a eth0 192.0.2.1$n 255.255.255.0; stat -c '%F %u:%g %a' $file:$n; done
   regular file 0:0 644
   regular file 56:78 644

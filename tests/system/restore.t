@@ -1,5 +1,5 @@
-Aliases that are put back after a delete. With the first address of a subnet the kernel drops the others, unless
-promote_secondaries is on.
+Aliases that are put back after a delete. With the first address of a subnet the kernel drops the
+others, unless promote_secondaries is on.
 
 A delete puts back the aliases that vanish with it, and touches no file but that of the deleted one.
 
@@ -20,10 +20,12 @@ It writes no file for an alias that has none.
   $ changed
   - eth0:2 198.51.100.2/24
 
-They come back in text order of their suffixes, each with its address and length, but not the deleted one.
+They come back in text order of their suffixes, each with its address and length, but not the
+deleted one.
 
   $ fresh
-  $ for alias in 1=198.51.100.1/24 2=198.51.100.2/25 10=10.0.0.1/8 web:x=10.0.0.2/32 '=10.0.0.3/0' Web=10.0.0.4/1; do
+  $ for alias in 1=198.51.100.1/24 2=198.51.100.2/25 10=10.0.0.1/8 web:x=10.0.0.2/32 \
+  >     '=10.0.0.3/0' Web=10.0.0.4/1; do
   >   ip address add ${alias#*=} dev eth0 label eth0:${alias%=*}; done
   $ ip -4 -o address show dev eth0 | grep -c eth0:
   6
@@ -50,7 +52,8 @@ The command has the same quotes as that of an add.
 Only what vanished is put back.
 
   $ fresh
-  $ for alias in 1=198.51.100.1/24 2=198.51.100.2/24 3=203.0.113.3/24 4=192.0.2.4/24 web=198.51.100.5/24; do
+  $ for alias in 1=198.51.100.1/24 2=198.51.100.2/24 3=203.0.113.3/24 4=192.0.2.4/24 \
+  >     web=198.51.100.5/24; do
   >   ip address add ${alias#*=} dev eth0 label eth0:${alias%=*}; done; changed >/dev/null
   $ addrtool -d 198.51.100.1
   $ changed | sort
@@ -58,7 +61,8 @@ Only what vanished is put back.
   $ record; addrtool -d 203.0.113.3
   ifconfig [eth0:3] [down]
 
-Aliases come back whatever their lengths are, even if another label or a main address has the address.
+Aliases come back whatever their lengths are, even if another label or a main address has the
+address.
 
   $ fresh
   $ ip address add 10.0.0.7/32 dev eth0
@@ -74,16 +78,19 @@ An alias is present if its suffix is, whatever its address.
 
   $ fresh
   $ for n in 1 2; do ip address add 198.51.100.$n/24 dev eth0 label eth0:$n; done
-  $ record 'ip address del 198.51.100.1/24 dev eth0; ip address add 10.0.0.9/32 dev eth0 label eth0:2'
+  $ record 'ip address del 198.51.100.1/24 dev eth0
+  >   ip address add 10.0.0.9/32 dev eth0 label eth0:2'
   $ addrtool -d 198.51.100.1
   ifconfig [eth0:1] [down]
 
 Suffixes are compared with their case, and whole.
 
   $ fresh
-  $ n=0; for suffix in 1 web 2; do ip address add 198.51.100.$((++n))/24 dev eth0 label eth0:$suffix; done
+  $ n=0; for suffix in 1 web 2; do
+  >   ip address add 198.51.100.$((++n))/24 dev eth0 label eth0:$suffix; done
   $ record '[[ $2 != down ]] || ip address del 198.51.100.1/24 dev eth0
-  >   for s in WEB 20; do ip address add 10.0.0.$((++n))/32 dev eth0 label eth0:$s 2>&-; done; exit 0'
+  >   for s in WEB 20; do
+  >     ip address add 10.0.0.$((++n))/32 dev eth0 label eth0:$s 2>/dev/null; done; exit 0'
   $ addrtool -d 198.51.100.1
   ifconfig [eth0:1] [down]
   ifconfig [eth0:2] [198.51.100.3] [netmask] [255.255.255.0] [up]
@@ -136,7 +143,8 @@ With promote_secondaries the kernel keeps the other aliases, so no command follo
 
 The first command that fails ends it. What was done stays done.
 
-  $ fresh; for n in 1 2 3 4; do addrtool -a eth0 198.51.100.$n 255.255.255.0; done; changed >/dev/null
+  $ fresh; for n in 1 2 3 4; do
+  >   addrtool -a eth0 198.51.100.$n 255.255.255.0; done; changed >/dev/null
   $ record 'case $1-$2 in *-down) ip address del 198.51.100.1/24 dev eth0 ;;
   >   eth0:2-*) ip address add $2/24 dev eth0 label $1 ;; *) exit 1 ;; esac'
   $ streams addrtool -d 198.51.100.1 -d 198.51.100.2
