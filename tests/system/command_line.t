@@ -135,6 +135,14 @@ Bad options are reported, each by itself. Alone, they end with the usage text. T
   2: (usage)
   [2]
 
+There are no other options, neither short nor long.
+
+  $ for letter in {a..z} {A..Z} {0..9}; do
+  >   addrtool "-$letter" 2>&1 | grep -q 'invalid option' || echo "-$letter"
+  >   addrtool "--$letter" 2>&1 | grep -q 'unrecognized option' || echo "--$letter"
+  > done | xargs
+  -a --a -d --d -h --h -l --l --m --q -v
+
 A bad option stops no action and changes no status.
 
   $ each '-x -l' '-l -x' '-xl' '-l -d' '-l --wrong' '-m -v 10.0.0.1'
@@ -206,6 +214,18 @@ An argument is taken as typed, whatever it looks like.
   addrtool -a -- 192.0.2.5 0.0.0.0
   2: --: no such network interface.
   [1]
+
+A message has the argument byte by byte, whatever its bytes and its length.
+
+  $ addrtool -d '%s%n%d'
+  %s%n%d: not configured.
+  [1]
+  $ addrtool -d $'a\nb\t\e[31m\xff'
+  a
+  b\t\x1b[31m\xff: not configured. (esc)
+  [1]
+  $ addrtool -d "$(printf '%5000d' 0)" 2>&1 | wc -c
+  5018
 
 A repeated action runs once for each option.
 

@@ -50,9 +50,21 @@ An empty text needs only a file that opens: even an empty file, or a directory.
   $ addrtool -v '' -v 10.0.0.1
   10 (no-eol)
 
+The kind, the owner and the mode of the file do not matter.
+
+  $ rmdir /proc/qv/veinfo; echo 10.0.0.1 >veinfo; chmod 666 veinfo; ln -s /etc/veinfo /proc/qv/veinfo
+  $ addrtool -v 10.0.0.1 -v 10.0.0.2
+  10 (no-eol)
+  $ ln -sf /dev/null /proc/qv/veinfo
+  $ addrtool -v '' -v 10.0.0.2
+  10 (no-eol)
+  $ rm /proc/qv/veinfo; mkfifo /proc/qv/veinfo
+  $ timeout 0.2 addrtool -v 10.0.0.1
+  [124]
+
 A file that cannot be read gives 0, without a message.
 
-  $ rmdir /proc/qv/veinfo
+  $ rm /proc/qv/veinfo
   $ for target in veinfo missing /proc/self/mem; do
   >   ln -sf $target /proc/qv/veinfo
   >   streams addrtool -v 10.0.0.1 -v ''

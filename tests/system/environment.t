@@ -44,6 +44,12 @@ On a terminal, a message for both streams comes twice.
   2001:db8::1 64 eth0 0
   0192.0.2.1: cannot delete main IP on interface
 
+The usage text has the same lines on a terminal of any width.
+
+  $ addrtool 2>usage
+  [2]
+  $ COLUMNS=20 TERM=xterm script -qec 'addrtool -h' /dev/null </dev/null | tr -d '\r' | cmp - usage
+
 Its output is the same in every locale.
 
   $ for locale in C.UTF-8 de_DE.UTF-8 tr_TR ''; do

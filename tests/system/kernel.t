@@ -39,7 +39,9 @@ A large table takes few receives.
 Each action reads the kernel anew, but only if it needs to. A delete may have to look for others.
 
   $ fresh
-  $ reads() { echo "$* => $(calls socket addrtool "$@" 2>/dev/null | grep -c '^socket(AF_NETLINK')"; }
+  $ reads() {
+  >   echo "$* => $(calls socket addrtool "$@" 2>/dev/null | grep -c '^socket(AF_NETLINK')"
+  > }
   $ reads -l -l -l
   -l -l -l => 3
   $ reads -h
@@ -91,6 +93,13 @@ Nothing is opened before the command line is checked.
   -x:
   -l extra:
   -a eth0 192.0.2.5:
+  [1]
+
+The process keeps its directory, mask, rights, priority and descriptors.
+
+  $ own='f?chdir|umask|chroot|set(sid|pgid|groups|priority)|set.*[ug]id$|ioprio_set|sched_set'
+  $ calls "/^($own|mlock|close_range|seccomp|unshare|kill|v?fork)" addrtool -l -v 10.0.0.1 \
+  >   -d 192.0.2.1 2>/dev/null | grep '('
   [1]
 
 A report is written as an error first, then as output.

@@ -87,17 +87,20 @@ One suffix on two interfaces counts twice.
 Interfaces come in the byte order of their names, with all that each has.
 
   $ fresh
-  $ for name in eth10 eth1 wlan0 Eth2 $'\xff' e; do interface "$name" 10.0.0.1/32; done
+  $ for name in eth10 eth1 wlan0 Eth2 $'\xff' e docker0 eth0.100 fifteen-letters; do interface "$name" 10.0.0.1/32; done
   $ ip address add 2001:db8::11/64 dev eth1 nodad
   $ ip address add 10.0.0.2/32 dev lo
   $ addrtool -l
   10.0.0.1 255.255.255.255 Eth2 1
+  10.0.0.1 255.255.255.255 docker0 1
   10.0.0.1 255.255.255.255 e 1
   192.0.2.1 255.255.255.0 eth0 1
   2001:db8::1 64 eth0 0
+  10.0.0.1 255.255.255.255 eth0.100 1
   10.0.0.1 255.255.255.255 eth1 1
   2001:db8::11 64 eth1 0
   10.0.0.1 255.255.255.255 eth10 1
+  10.0.0.1 255.255.255.255 fifteen-letters 1
   10.0.0.2 255.255.255.255 lo 1
   10.0.0.1 255.255.255.255 wlan0 1
   10.0.0.1 255.255.255.255 \xff 1 (esc)
@@ -146,10 +149,11 @@ An IPv6 address has its shortest form, and its prefix length in decimal.
   2001:db8::5 0 eth0 0
   2001:db8::1:0:0:1 7 eth0 0
 
-Private, link-local and other addresses are listed if their scope is global.
+Every address of global scope is listed, private, local and repeated ones too.
 
   $ fresh
-  $ for address in fd00::1/64 169.254.0.1/16 127.0.5.5/32 172.16.0.1/12 100.64.0.1/10; do
+  $ for address in fd00::1/64 169.254.0.1/16 127.0.5.5/32 172.16.0.1/12 100.64.0.1/10 \
+  >     192.168.0.1/16 240.0.0.1/4 10.0.0.1/8 10.0.0.1/16; do
   >   ip address add $address dev eth0 scope global
   > done
   $ addrtool -l
@@ -158,6 +162,10 @@ Private, link-local and other addresses are listed if their scope is global.
   127.0.5.5 255.255.255.255 eth0 0
   172.16.0.1 255.240.0.0 eth0 0
   100.64.0.1 255.192.0.0 eth0 0
+  192.168.0.1 255.255.0.0 eth0 0
+  240.0.0.1 240.0.0.0 eth0 0
+  10.0.0.1 255.0.0.0 eth0 0
+  10.0.0.1 255.255.0.0 eth0 0
   fd00::1 64 eth0 0
   2001:db8::1 64 eth0 0
 
