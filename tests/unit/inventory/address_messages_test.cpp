@@ -281,26 +281,18 @@ TEST(AddressMessages, ALabelEndsAtItsNulOrAtTheEndOfItsAttribute) {
 }
 
 TEST(AddressMessages, AliasesAreSortedPerInterfaceInWhateverOrderTheyCome) {
-  std::vector<std::string> suffixes{"1", "10", "2", "3", "web"};
+  std::vector<AddressMessage> messages;
   AddressDump expected;
-  for (const std::string& suffix : suffixes) {
-    const auto octet = std::to_string(expected["eth0"].aliases.size());
-    expected["eth0"].aliases[suffix] = {"192.0.2." + octet, 24};
-    expected["eth1"].aliases[suffix] = {"198.51.100." + octet, 24};
-  }
-  int orders = 0;
-  do {
-    std::vector<AddressMessage> messages;
-    for (const std::string& suffix : suffixes) {
-      for (const std::uint32_t index : {1U, 2U}) {
-        const std::string& address = expected.at(nameOfInterface(index)).aliases.at(suffix).address;
-        messages.push_back(onInterface(index, ipv4(address, "eth0:" + suffix)));
-      }
+  for (const std::string suffix : {"3", "1", "web", "10", "2"}) {
+    for (const std::uint32_t index : {1U, 2U}) {
+      const std::string address = "192.0.2." + std::to_string(messages.size());
+      messages.push_back(onInterface(index, ipv4(address, "eth0:" + suffix)));
+      expected[nameOfInterface(index)].aliases[suffix] = {address, 24};
     }
-    EXPECT_EQ(collect(messages), expected);
-    ++orders;
-  } while (std::ranges::next_permutation(suffixes).found);
-  EXPECT_EQ(orders, 120);
+  }
+  EXPECT_EQ(collect(messages), expected);
+  std::ranges::reverse(messages);
+  EXPECT_EQ(collect(messages), expected);
 }
 
 TEST(AddressMessages, TheFirstOfTwoAddressesWithOneSuffixIsKept) {
