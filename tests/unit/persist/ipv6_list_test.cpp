@@ -98,6 +98,7 @@ Edited edit(FileWriter writer, const std::string& address, std::queue<std::strin
     std::FILE* oldFile = openTexts(texts);
     std::FILE* newFile = std::fopen((directory / "new").c_str(), "w");
     LabelledAddress context{"eth0", {address, 64}};
+    if (texts.front().empty()) std::fgetc(oldFile);  // so the stream has an error before the edit
     errno = 0;
     const int result = writer(oldFile, newFile, &context);
     std::fclose(oldFile);
@@ -144,9 +145,9 @@ TEST(IPv6Removing, QuotesBlanksAndPrefixLengthOfThePrimaryAreIgnored) {
         "2001:db8::1"}) {
     expectRemoved("2001:db8::1", list + "IPV6ADDR=" + value, "IPV6ADDR=a/1\n");
   }
-  for (const std::string value :
-       {"2001:db8::1 /64", "\"2001:db8::1\"/64", "2001:db8::1\f", "\v2001:db8::1",
-        "2001:db8::1%eth0", "2001:db8::1 # x", "/2001:db8::1", "", "::1", "x2001:db8::1"}) {
+  for (const std::string value : {"2001:db8::1 /64", "\"2001:db8::1\"/64", "2001:db8::1\f",
+                                  "\v2001:db8::1", "2001:db8::1%eth0", "2001:db8::1 # x",
+                                  "2001:db8::1#x", "/2001:db8::1", "", "::1", "x2001:db8::1"}) {
     const std::string file = listOf("a/1 b/2") + "IPV6ADDR=" + value + '\n';
     expectRemoved("2001:db8::1", file, listOf("a/1 b/0") + "IPV6ADDR=" + value + '\n');
   }
@@ -214,6 +215,22 @@ TEST(IPv6Edits, AReadErrorFailsAndOnlyAnAddReportsABadListBeforeIt) {
                 onBothStreams(isReported ? "bad: cannot parse IPv6 address\n" : "", 255))
           << text;
     }
+    EXPECT_EQ(edit(writer, "2001:db8::5", std::queue<std::string>({"", "A=1\n"})).first,
+              onBothStreams("", 255));
+  }
+}
+
+TEST(FileWriters, IgnoreAWriteError) {
+  for (const FileWriter writer : {copyWithIPv6, copyWithoutIPv6, writeAliasContent}) {
+    std::queue<std::string> texts({"A=1\nIPV6ADDR_SECONDARIES=a/1\n"});
+    std::FILE* oldFile = openTexts(texts);
+    std::FILE* full = std::fopen("/dev/full", "w");
+    std::setvbuf(full, nullptr, _IONBF, 0);
+    LabelledAddress context{"eth0", {"2001:db8::5", 64}};
+    EXPECT_EQ(writer(oldFile, full, &context), 0);
+    EXPECT_NE(std::ferror(full), 0);
+    std::fclose(oldFile);
+    std::fclose(full);
   }
 }
 
