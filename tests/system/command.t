@@ -125,11 +125,11 @@ Each status but 0 is a failure with this number. The command is not repeated.
 A signal is a failure with its number.
 
   $ record '[[ $(cat /proc/$PPID/comm) == sh ]] && kill -$SIGNAL $PPID || kill -$SIGNAL $$'
-  $ for signal in 1 9 15; do SIGNAL=$signal addrtool -a eth0 2001:db8::5 64; done
-  ifconfig [eth0] [add] [2001:db8::5/64]
-  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 1
+  $ for signal in 9 10 15; do SIGNAL=$signal addrtool -a eth0 2001:db8::5 64; done
   ifconfig [eth0] [add] [2001:db8::5/64]
   /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 9
+  ifconfig [eth0] [add] [2001:db8::5/64]
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 10
   ifconfig [eth0] [add] [2001:db8::5/64]
   /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 15
   [1]
