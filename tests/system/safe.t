@@ -158,7 +158,7 @@ Wrong use ends with status 2. Only root may change. JSON has the same keys for a
   $ for words in '' 'present eth0 192.0.2.9' 'absent 192.0.2.9/24' 'present eth0 192.0.2.300/24' 'list --check' \
   >   'present eth0 192.0.2.9/255.255.255.0' 'absent 2001:db8::1%eth0'; do addrtool-safe $words 2>/dev/null; echo -n " $?"; done; echo
    2 2 2 2 2 2 2
-  $ addrtool-safe list --json; setpriv --reuid 1 addrtool-safe repair --json
+  $ addrtool-safe list --json; unshare --user --map-user=9 addrtool-safe repair --json
   {"actions": [], "addresses": [{"address": "192.0.2.1/24", "interface": "eth0", "label": "eth0"}, {"address": "2001:db8::1/64", "interface": "eth0", "label": ""}], "changed": false, "diff": "", "problems": [], "status": 0}
   {"actions": [], "changed": false, "diff": "", "problems": [{"interface": null, "kind": "failed", "message": "Only root may change addresses: run it as root"}], "status": 1}
   [1]

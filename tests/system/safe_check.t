@@ -4,7 +4,7 @@ Needs a real processor.
 
   $ fresh || exit 80
   $ file=/etc/sysconfig/network-scripts/ifcfg-eth0
-  $ check() { for command in "$@"; do fresh; eval "$command"; setpriv --reuid 9 addrtool-safe check; done | sed "s|${file%/*}|DIR|g"; }
+  $ check() { for command in "$@"; do fresh; eval "$command"; unshare --user --map-user=9 addrtool-safe check; done | sed "s|${file%/*}|DIR|g"; }
 
 Each finding is found, without root.
 
@@ -36,7 +36,7 @@ Addresses from DHCP, interfaces without a file and unquoted lists are no finding
 
 The check needs files that it can read, and an interface that exists.
 
-  $ check 'chmod 600 $file'; addrtool-safe check eth7
+  $ check 'chmod 0 $file'; addrtool-safe check eth7
   [Errno 13] Permission denied: '/etc/sysconfig/network-scripts/ifcfg-eth0'
   eth7 has neither an address nor a file: name another interface
   [1]
