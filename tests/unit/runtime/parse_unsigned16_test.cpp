@@ -11,13 +11,14 @@ namespace addrtool::testing {
 namespace {
 
 constexpr std::uint16_t untouched = 4711;
+constexpr int untouchedErrno = EXDEV;
 
 // The result, the value and errno.
 using Parsed = std::tuple<int, std::uint16_t, int>;
 
 Parsed parse(const std::string& text) {
   std::uint16_t value = untouched;
-  errno = 0;
+  errno = untouchedErrno;
   const int result = parseUnsigned16(text.c_str(), &value);
   return {result, value, errno};
 }
@@ -30,7 +31,8 @@ TEST(ParseUnsigned16, AcceptsDigitsWithWhiteSpaceAndOnePlus) {
       {" 64\n", 64},    {"+64", 64},        {" +64 ", 64},
       {"+ 64", 64},     {"+ \t\n\r64", 64}, {"+ ", 0},
       {" + \t\n\r ", 0}};
-  for (const auto& [text, number] : table) EXPECT_EQ(parse(text), Parsed(0, number, 0)) << text;
+  for (const auto& [text, number] : table)
+    EXPECT_EQ(parse(text), Parsed(0, number, untouchedErrno)) << text;
 }
 
 TEST(ParseUnsigned16, RefusesEverythingElse) {
@@ -38,7 +40,7 @@ TEST(ParseUnsigned16, RefusesEverythingElse) {
        {"",    " ",    " \t\n\r ", "-",   "-1",   "-0", " -1",  "-65536", "+",  " +", "++1", "+-1",
         "-+1", "+ +1", "1 2",      "1x",  "x1",   "x",  "0x10", "1.5",    "1+", "1-", "1 x", "6\v",
         "\f6", "\v6",  "+\v",      "1,0", "\xb2", "٣",  "1/",   "1:",     "/",  ":"}) {
-    EXPECT_EQ(parse(text), Parsed(-1, untouched, 0)) << text;
+    EXPECT_EQ(parse(text), Parsed(-1, untouched, untouchedErrno)) << text;
   }
 }
 
@@ -53,7 +55,7 @@ TEST(ParseUnsigned16, AcceptsOrRefusesAMillionDigitsTheSameWay) {
   EXPECT_EQ(parse(std::string(1000000, '9')), Parsed(-1, untouched, ERANGE));
   std::string eight(1000000, '0');
   eight += '8';
-  EXPECT_EQ(parse(eight), Parsed(0, 8, 0));
+  EXPECT_EQ(parse(eight), Parsed(0, 8, untouchedErrno));
 }
 
 }  // namespace
