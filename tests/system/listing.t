@@ -87,11 +87,12 @@ One suffix on two interfaces counts twice.
 Interfaces come in the byte order of their names, with all that each has.
 
   $ fresh
-  $ for name in eth10 eth1 wlan0 Eth2 $'\xff' e docker0 eth0.100 fifteen-letters; do interface "$name" 10.0.0.1/32; done
+  $ for name in eth10 eth1 wlan0 Eth2 $'\xff' e docker0 eth0.100 fifteen-letters $'a\1'; do interface "$name" 10.0.0.1/32; done
   $ ip address add 2001:db8::11/64 dev eth1 nodad
   $ ip address add 10.0.0.2/32 dev lo
   $ addrtool -l
   10.0.0.1 255.255.255.255 Eth2 1
+  10.0.0.1 255.255.255.255 a\x01 1 (esc)
   10.0.0.1 255.255.255.255 docker0 1
   10.0.0.1 255.255.255.255 e 1
   192.0.2.1 255.255.255.0 eth0 1

@@ -69,7 +69,8 @@ TEST(MainAddress, IsTheFirstOfTheFirstInterfaceIPv4BeforeIPv6) {
   const std::vector<std::pair<std::string, Messages>> rows{
       {"192.0.2.9", {on(2, ipv4("10.0.0.1")), ipv6(), ipv4("192.0.2.9"), ipv4()}},
       {"192.0.2.10", {ipv4("192.0.2.2", "eth0:2"), ipv4("192.0.2.10", "eth0:10")}},
-      {"2001:db8::1", {on(2, ipv4()), ipv6(), ipv6("2001:db8::2")}}};
+      {"2001:db8::1", {on(2, ipv4()), ipv6(), ipv6("2001:db8::2")}},
+      {"10.0.0.1", {on(3, ipv4("10.0.0.1"))}}};  // of lo
   for (const auto& [address, messages] : rows) {
     expectPrinted(success(address + '\n'), messages, printMainAddress);
     const CannedMachine machine(messages);
