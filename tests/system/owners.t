@@ -36,3 +36,15 @@ its target.
   >   addrtool -a eth0 192.0.2.1$n 255.255.255.0; stat -c '%F %u:%g %a' $file:$n; done
   regular file 0:0 644
   regular file 56:78 644
+
+Whether the caller is root is not looked at. The command and the files decide.
+
+  $ fresh; record 'exit 3'; cp "$(command -v addrtool)" /etc/
+  $ for arguments in '-a eth0 192.0.2.10 255.255.255.0' '-a eth0 2001:db8::5 64' '-l'; do
+  >   setpriv --reuid 12 --clear-groups /etc/addrtool $arguments </dev/null; done; rm /etc/addrtool
+  ifconfig [eth0:1] [192.0.2.10] [netmask] [255.255.255.0] [up]
+  /sbin/ifconfig 'eth0:1' '192.0.2.10' netmask  '255.255.255.0' up exited with non-zero status 3
+  ifconfig [eth0] [add] [2001:db8::5/64]
+  /sbin/ifconfig eth0 add 2001:db8::5/64 exited with non-zero status 3
+  192.0.2.1 255.255.255.0 eth0 1
+  2001:db8::1 64 eth0 0

@@ -209,7 +209,7 @@ TEST(CheckRequiredParameter, APresentOneWithoutAValueEndsTheProgram) {
   const Outcome missing =
       onBothStreams("Missing parameter '--add' or previous parameter is empty.\n", 1);
   for (const int present : {0, 1, 2, -1}) {
-    for (const char* const value : {static_cast<const char*>(nullptr), "", "eth0"}) {
+    for (const char* const value : {static_cast<const char*>(nullptr), "", " ", "eth0"}) {
       const bool isMissing = present != 0 && (value == nullptr || *value == '\0');
       expectInChild(isMissing ? missing : onBothStreams("", 9), [=] {
         errno = 0;
