@@ -11,9 +11,10 @@ Without the file, the answer is 0, even for an empty text. No line feed follows 
   $ addrtool -v 10.0.0.1 -v ''
   00 (no-eol)
 
-Each text is searched in the whole file. The answers follow each other.
+Each text is searched in the whole file, also in what looks like a comment. The answers follow each
+other.
 
-  $ printf '%s\n' '101 0 2 10.0.0.1 10.0.0.2' '2001:db8::1' >/proc/qv/veinfo
+  $ printf '%s\n' '101 0 2 10.0.0.1 10.0.0.2' '#2001:db8::1' >/proc/qv/veinfo
   $ addrtool -v 10.0.0.1 -v 10.0.0.2 -v 10.0.0.3 -v 2001:db8::1 -v 10.0.0.1
   11011 (no-eol)
 
