@@ -81,6 +81,11 @@ int __wrap_fclose(std::FILE* stream) {
   return FailingCall::fails(Call::Fclose) ? EOF : result;
 }
 
+int __real_stat(const char* path, struct stat* status);
+int __wrap_stat(const char* path, struct stat* status) {
+  return FailingCall::fails(Call::Stat) ? -1 : __real_stat(path, status);
+}
+
 }  // extern "C"
 // NOLINTEND(bugprone-reserved-identifier, cert-dcl*, readability-identifier-naming, *-no-malloc,
 // *-owning-memory)

@@ -9,7 +9,7 @@ namespace addrtool::testing {
 
 /// The functions that can be made to fail. Allocations are malloc(3), calloc(3), realloc(3),
 /// strdup(3) and getline(3), which allocates its buffer.
-enum class Call { Allocation, Close, Write, Fdopen, Fclose };
+enum class Call { Allocation, Close, Write, Fdopen, Fclose, Stat };
 
 /// While it exists, the calls numbered `first` to `last`, counted from 1, do nothing and fail with
 /// that error. Only close(2) and fclose(3) still close, as a real failure does. Only one may exist

@@ -70,6 +70,8 @@ TEST(IPv6List, AnEntryNeedsExactlyOneSlash) {
                                                  {"K=2001:db8::2//64\n", "2001:db8::2//64"},
                                                  {"K=2001:db8::2/64/\n", "2001:db8::2/64/"},
                                                  {"K=//\n", "//"},
+                                                 {"K=a/1,b/2\n", "a/1,b/2"},
+                                                 {"K=a/1;b/2\n", "a/1;b/2"},
                                                  {"K=2001:db8::2/ 64\n", "64"},
                                                  {"K=\"2001:db8::2/64 \"\n", "\""},
                                                  {"K= \"\"\n", "\"\""},
@@ -80,6 +82,13 @@ TEST(IPv6List, AnEntryNeedsExactlyOneSlash) {
     EXPECT_EQ(failureOf([&, &text = line] { parseIPv6List(text, entries); }),
               token + ": cannot parse IPv6 address");
   }
+}
+
+TEST(IPv6List, KeepsTheEntriesBeforeTheOneThatCannotBeParsed) {
+  Entries entries;
+  EXPECT_EQ(failureOf([&] { parseIPv6List("K=a/1 b/2 c d/4\n", entries); }),
+            "c: cannot parse IPv6 address");
+  EXPECT_EQ(entries, (Entries{{"a", 1}, {"b", 2}}));
 }
 
 TEST(IPv6List, FormatsAnEntryWithItsLengthInDecimal) {
