@@ -27,15 +27,15 @@ changes nothing.
 Six at a time keep six.
 
   $ fresh; seq 6 | xargs -P 6 -I N addrtool-safe present eth0 192.0.2.1N/24 ::1N/64 >/dev/null
-  $ addrtool --list | wc -l; addrtool-safe check; ls $file:* | wc -l
-  14
-  6
+  $ echo $(addrtool --list | wc -l) $(addrtool-safe check) $(ls $file:* | wc -l)
+  14 6
 
 With --check, it says what it would do, and does nothing. A main address that is up is left alone.
 
-  $ fresh; ip address add 192.0.2.7/24 dev eth0
-  $ addrtool-safe present --check eth0 192.0.2.7/24 192.0.2.10/24; ls /run
-  would add 192.0.2.10/24
+  $ fresh; ip address add 192.0.2.7/24 dev eth0; ip address add ::5/64 dev eth0
+  $ addrtool-safe present --check --readd eth0 192.0.2.7/24 ::5/64; ls /run; ip address del ::5/64 dev eth0
+  would delete ::5/64
+  would add ::5/64
   $ safe present eth0 192.0.2.7/24
   up: 1/24 7/24 1/64 saved: 1 1/64
 
@@ -95,12 +95,12 @@ addrtool runs with SIGCHLD at its default and no other open file. A silent failu
 Signals that end a process wait until the change is complete.
 
   $ fresh; record 'ls -l /proc/self/fd | grep -o "[0-9] -> [^:]*" | head -n 3 >/run/fds; true'
-  $ (trap '' CHLD; safe present eth0 192.0.2.10/24 9</etc/passwd) 2>&1 | grep -v saved; cat /run/fds
+  $ safe present eth0 192.0.2.10/24 9</etc/passwd 2>&1 | grep -v saved; echo $(cat /run/fds)
   192.0.2.10/24 is not up: make it present
   [3]
-  0 -> /proc/.sandbox/dev/null
-  1 -> pipe
-  2 -> pipe
+  0 -> /proc/.sandbox/dev/null 1 -> pipe 2 -> pipe
+  $ fresh; env --ignore-signal=CHLD addrtool-safe present eth0 192.0.2.10/24
+  add 192.0.2.10/24
   $ fresh; cp /sbin/ifconfig /run/ifconfig
   $ record 'for n in 1 2 15; do kill -$n $(pgrep -of addrtool-safe); done; /run/ifconfig "$@"'
   $ safe present eth0 2001:db8::5/64 2001:db8::6/64

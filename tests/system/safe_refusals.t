@@ -49,7 +49,7 @@ A delete of a main address, of the last IPv6 addresses, and of the address that 
 
 A file that is missing, cannot be replaced or cannot be read, a full disk, and a left-over file.
 
-  $ refused 'present eth0 192.0.2.10/24' 'rm -r ${file%/*}' 'ln -sf /dev/null $file' \
+  $ refused 'present eth0 192.0.2.10/24' 'rm -r ${file%/*}' 'mv $file{,.bak}; ln -s $file{.bak,}' \
   >   'rm $file; mkfifo $file' 'mount --bind ${file%/*}{,}; mount -o remount,ro,bind ${file%/*}' \
   >   ': >$file' "sed -i '1s/^/\xef\xbb\xbf/' \$file" 'touch -d "-61 sec" $file:1.aB3dEf' \
   >   'cp $file /run; mount -t tmpfs -o size=60k x ${file%/*}; cp /run/ifcfg-eth0 $file' | uniq
