@@ -133,7 +133,7 @@ file keeps its mode, times and access list.
   up: 1/24 1/64 saved: 1 1/64
   -rw-rw----+ 1 root root 2020-01-01
 
-Wrong use ends with status 2. JSON has the same keys for all verbs.
+Wrong use ends with status 2. Only root may change. JSON has the same keys for all verbs.
 
   $ for words in '' 'present eth0 192.0.2.9' 'absent 192.0.2.9/24' 'present eth0 192.0.2.300/24' \
   >   'present eth0 192.0.2.9/255.255.255.0' 'absent 2001:db8::1%eth0' 'list --check'; do
@@ -144,3 +144,6 @@ Wrong use ends with status 2. JSON has the same keys for all verbs.
   actions:changed:diff:problems:interface:kind:message:status:
   actions:changed:diff:problems:status:
   actions:addresses:address:interface:label:address:interface:label:changed:diff:problems:status:
+  $ unshare --user --map-user=9 addrtool-safe present eth0 192.0.2.10/24
+  Only root may change addresses: run it as root
+  [1]
