@@ -81,9 +81,15 @@ A fourth line follows if /etc/SuSE-release exists, whatever it is. Each add look
   :: 
   ln -s /missing: 
 
+Newer releases of the same maker, without that file, count as any other system.
+
+  $ fresh; rm -f /etc/os-release; echo 'ID_LIKE="suse"' >/etc/os-release; touch /etc/SUSE-brand
+  $ addrtool -a eth0 192.0.2.10 255.255.255.0; wc -l <$file; rm /etc/os-release /etc/SUSE-brand
+  3
+
 The shell reads that line as it was meant.
 
-  $ rm $marker; touch $marker; addrtool -a eth0 192.0.2.10 255.255.255.0; (. $file; echo $STARTMODE)
+  $ fresh; touch $marker; addrtool -a eth0 192.0.2.10 255.255.255.0; (. $file; echo $STARTMODE)
   onboot
   $ tail -c 20 $file | wc -l
   2
