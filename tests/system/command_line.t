@@ -67,7 +67,7 @@ Bad options are reported, each by itself. Alone, they end with the usage text. T
 
   $ fresh
   $ ip address delete 2001:db8::1/64 dev eth0
-  $ each '-x' '-m' '-x -y' '-?' '-:' '-W main' '--wrong' '--list=now' '--main=x' '--help=x' \
+  $ each '-x' '-m' '-x -y' '-?' '-:' '-W main' '--version' '--list=now' '--main=x' '--help=x' \
   >   '-d' '-v' '-a' '--del' '--add' '--qv-assigned-ip'
   addrtool -x
   2: addrtool: invalid option -- 'x'
@@ -94,8 +94,8 @@ Bad options are reported, each by itself. Alone, they end with the usage text. T
   2: addrtool: invalid option -- 'W'
   2: (usage)
   [2]
-  addrtool --wrong
-  2: addrtool: unrecognized option '--wrong'
+  addrtool --version
+  2: addrtool: unrecognized option '--version'
   2: (usage)
   [2]
   addrtool --list=now
@@ -183,7 +183,8 @@ Each option has a short form, a long one, and its abbreviations.
 An argument is taken as typed, whatever it looks like.
 
   $ each '-d -l' '--del -h' '-d --' "-d ''" '--del=' "-d ' 192.0.2.1'" "-d '192.0.2.1 '" \
-  >   '-v -h' '-v --list' "-v ''" '-v --' '-a -l 192.0.2.5 0.0.0.0' '-a -- 192.0.2.5 0.0.0.0'
+  >   '-v -h' '-v --list' "-v ''" '-v --' '-a -l 192.0.2.5 0.0.0.0' '-a -- 192.0.2.5 0.0.0.0' \
+  >   "-a ' eth0' 192.0.2.5 0.0.0.0" "-a 'eth0 ' 192.0.2.5 0.0.0.0"
   addrtool -d -l
   2: -l: not configured.
   [1]
@@ -213,6 +214,12 @@ An argument is taken as typed, whatever it looks like.
   [1]
   addrtool -a -- 192.0.2.5 0.0.0.0
   2: --: no such network interface.
+  [1]
+  addrtool -a ' eth0' 192.0.2.5 0.0.0.0
+  2:  eth0: no such network interface.
+  [1]
+  addrtool -a 'eth0 ' 192.0.2.5 0.0.0.0
+  2: eth0 : no such network interface.
   [1]
 
 A message has the argument byte by byte, whatever its bytes and its length.

@@ -210,7 +210,7 @@ An IPv6 address that never expires is listed in every state, an IPv4 address eve
   2001:db8::b 64 eth0 0
   2001:db8::a 64 eth0 0
 
-The address ::2 is not listed, whatever its length and its neighbours.
+The address ::2 is not listed, whatever its length. An interface without another is unknown.
 
   $ fresh
   $ interface eth1 ::2/128
@@ -222,6 +222,9 @@ The address ::2 is not listed, whatever its length and its neighbours.
   ::22 128 eth0 0
   ::3 128 eth0 0
   2001:db8::1 64 eth0 0
+  $ addrtool -a eth1 192.0.2.10 255.255.255.0
+  eth1: no such network interface.
+  [1]
 
 On a link to a peer, the own address is listed.
 
