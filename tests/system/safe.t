@@ -53,6 +53,10 @@ What is saved but down is reported by absent. It is added by present, and saved 
   up: 1/24 eth0:1 10/24 1/64 saved: 1 10
   $ fresh; addrtool-safe present eth0 192.0.2.10/24 2001:db8::5/64 2001:db8::6/64 >/dev/null
   $ ip address del 192.0.2.10/24 dev eth0; ip address del 2001:db8::5/64 dev eth0
+  $ interface eth1 203.0.113.1/24; addrtool -a eth1 203.0.113.2 255.255.255.0
+  $ addrtool-safe absent --check 192.0.2.10 203.0.113.2 2>&1 | cut -d , -f 1; ip link del eth1
+  would delete 203.0.113.2/24
+  192.0.2.10 is saved but not up: bring it up
   $ safe absent 192.0.2.10 2001:db8::5 2>&1 | grep -v ^20
   192.0.2.10 is saved but not up: bring it up, or remove it from /etc/sysconfig/network-scripts/ifcfg-eth0:1
   [3]
