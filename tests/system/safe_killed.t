@@ -2,6 +2,7 @@ A run of addrtool-safe that is killed at a system call is completed by the next 
 
 Needs a real processor.
 Needs tracing.
+Needs no sanitizer.
 
   $ fresh || exit 80
   $ start() { fresh; addrtool-safe present eth0 192.0.2.11/24 2001:db8::6/64 2001:db8::7/64 >/dev/null; }
