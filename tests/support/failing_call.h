@@ -20,9 +20,12 @@ class FailingCall {
     planned = {call, error, first, last};
     callCount = 0;
   }
-  ~FailingCall() { planned = {}; }
+  ~FailingCall() { end(); }
   FailingCall(const FailingCall&) = delete;
   FailingCall& operator=(const FailingCall&) = delete;
+
+  /// From now on, no call fails.
+  static void end() { planned = {}; }
 
   /// The number of calls so far.
   static int calls() { return callCount; }
