@@ -49,7 +49,8 @@ An add without exactly two operands prints the usage text before any action.
   $ each '-a eth0' '-a eth0 192.0.2.5' '192.0.2.5 -a eth0' '-a eth0 192.0.2.5 255.255.255.0 x' \
   >   'x --add eth0 192.0.2.5 -l 255.255.255.0' '-l -a eth0 192.0.2.5' '-h -a eth0 192.0.2.5' \
   >   '-d 192.0.2.10 -l -a eth0 192.0.2.5' '-d 192.0.2.10 -a eth0 192.0.2.5 24 25' \
-  >   '-d 192.0.2.10 -a eth0' "-a eth0 ''" '-a eth0 192.0.2.10 255.255.255.0 extra'
+  >   '-d 192.0.2.10 -a eth0' "-a eth0 ''" '-a eth0 192.0.2.10 255.255.255.0 extra' \
+  >   '-a eth0 2001:db8::5' '-a eth0 2001:db8::5/64' '-a eth0 192.0.2.5/24'
   2: (usage)
   [2]
   $ changed

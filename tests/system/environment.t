@@ -44,10 +44,11 @@ On a terminal, a message for both streams comes twice.
   2001:db8::1 64 eth0 0
   0192.0.2.1: cannot delete main IP on interface
 
-The usage text has the same lines on a terminal of any width.
+The usage text has the same lines on a terminal of any width. No other output is a reason to move it.
 
   $ addrtool 2>usage
   [2]
+  $ script -qec 'addrtool -h >output' /dev/null </dev/null | tr -d '\r' | cmp - usage && cat output
   $ COLUMNS=20 TERM=xterm script -qec 'addrtool -h' /dev/null </dev/null | tr -d '\r' | cmp - usage
 
 Its output is the same in every locale.
