@@ -184,7 +184,8 @@ Each option has a short form, a long one, and its abbreviations.
 An argument is taken as typed, whatever it looks like.
 
   $ each '-d -l' '--del -h' '-d --' "-d ''" '--del=' "-d ' 192.0.2.1'" "-d '192.0.2.1 '" \
-  >   '-v -h' '-v --list' "-v ''" '-v --' '-a -l 192.0.2.5 0.0.0.0' '-a -- 192.0.2.5 0.0.0.0' \
+  >   '-d=192.0.2.1' '--del==192.0.2.1' '-a=eth0 192.0.2.5 0.0.0.0' '-v -h' '-v --list' "-v ''" \
+  >   '-v --' '-a -l 192.0.2.5 0.0.0.0' '-a -- 192.0.2.5 0.0.0.0' \
   >   "-a ' eth0' 192.0.2.5 0.0.0.0" "-a 'eth0 ' 192.0.2.5 0.0.0.0"
   addrtool -d -l
   2: -l: not configured.
@@ -204,6 +205,13 @@ An argument is taken as typed, whatever it looks like.
   [1]
   addrtool -d '192.0.2.1 '
   2: 192.0.2.1 : not configured.
+  [1]
+  addrtool -d=192.0.2.1
+  addrtool --del==192.0.2.1
+  2: =192.0.2.1: not configured.
+  [1]
+  addrtool -a=eth0 192.0.2.5 0.0.0.0
+  2: =eth0: no such network interface.
   [1]
   addrtool -v -h
   addrtool -v --list

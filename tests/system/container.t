@@ -24,7 +24,8 @@ Any part of a line counts, byte by byte.
   $ each '-v 10.0.0.1' '-v 0.0.0.12' "-v ' 10.0.0.12 '" '-v Eth0' "-v '  '" '-v :' "-v ''"
   1: 1 (no line feed)
   $ each "-v '10.0.0.12  '" "-v ' 2001'" '-v 2001:DB8::1' '-v 2001:db8:0::1' '-v eth0' '-v 10.0.0.2' \
-  >   "-v '10.0.0.*'" '-v 10x0' "-v '^'" "-v '[0-9]'" '-v 10.0.0.120' "-v '10.0.0.12	'"
+  >   "-v '10.0.0.*'" '-v 10x0' "-v '^'" "-v '[0-9]'" '-v 10.0.0.120' "-v '10.0.0.12	'" \
+  >   '-v=10.0.0.1' '--qv==10.0.0.1'
   1: 0 (no line feed)
 
 A line ends only at its line feed, and a text never spans two lines.
