@@ -172,16 +172,18 @@ In Python, each failure gives a sentence.
   $ python 'for words in (
   >     ["present", "eth0", "192.0.2.999/24"], ["present", "eth0", "192.0.2.10"],
   >     ["present", "eth0", "2001:db8::5%$(id)/64"], ["present", "eth9", "192.0.2.10/24"],
-  >     ["present", "eth0", "192.0.2.10/24", "198.51.100.1/24"], ["absent", "192.0.2.1"]):
+  >     ["present", "eth0", "192.0.2.10/24", "198.51.100.1/24"], ["absent", "192.0.2.1"],
+  >     ["absent", "192.0.2.9/24"]):
   >     print(safe(*words))
   > SAFE = "/bin/false"
   > print(safe("absent", "192.0.2.1"))'
-  ['addrtool-safe: error: present takes ADDRESS/LENGTH, absent takes ADDRESS']
-  ['addrtool-safe: error: present takes ADDRESS/LENGTH, absent takes ADDRESS']
-  ['addrtool-safe: error: present takes ADDRESS/LENGTH, absent takes ADDRESS']
+  ['192.0.2.999/24 is no ADDRESS/LENGTH']
+  ['192.0.2.10 is no ADDRESS/LENGTH']
+  ['2001:db8::5%$(id)/64 is no ADDRESS/LENGTH']
   ['eth9 is no interface that addrtool lists: give it an address']
   ['198.51.100.1/24 is up on eth1: delete it first']
-  ['192.0.2.1 cannot be deleted: it is a main address of eth0']
+  ['192.0.2.1 cannot be deleted: it is a main address, or shares its label']
+  ['192.0.2.9/24 is no ADDRESS']
   ['status 1']
   $ ip address add 192.0.2.10/24 dev eth0 label eth0:1
   $ python 'print(*(safe("present", "eth0", "192.0.2.10/24", *more) for more in [[], ["--readd"]]))'

@@ -6,7 +6,7 @@ Needs a real processor.
   $ file=/etc/sysconfig/network-scripts/ifcfg-eth0
   $ short() { sed 's/192.0.2.//; s/eth0 //; s/2001:db8:://g; s/"//g; s/IP.*ADDR[^=]*=//'; }
   $ now() { echo up: $(addresses | short) saved: $(grep -h ADDR $file* | short); }
-  $ safe() { addrtool-safe "$@" >/dev/null || echo "[$?]"; now; }
+  $ safe() { (addrtool-safe "$@" >/dev/null || echo "[$?]") 2>&1 | sed "s|${file%/*}|DIR|g"; now; }
 
 An address that is missing is added and saved. No length 0 is left.
 
@@ -33,10 +33,10 @@ Six at a time keep six.
 With --check, it says what it would do, and does nothing. A main address that is up is left alone.
 
   $ fresh; ip address add 192.0.2.7/24 dev eth0; ip address add ::5/64 dev eth0
-  $ addrtool-safe present --check --readd eth0 192.0.2.7/24 ::5/64; ls /run; ip address del ::5/64 dev eth0
+  $ addrtool-safe present --check --readd eth0 192.0.2.7/24 ::5/64; ls /run
   would delete ::5/64
   would add ::5/64
-  $ safe present eth0 192.0.2.7/24
+  $ ip address del ::5/64 dev eth0; safe present eth0 192.0.2.7/24
   up: 1/24 7/24 1/64 saved: 1 1/64
 
 What is up but not saved is reported. With --readd, it is added again, except for a last address.
@@ -48,7 +48,7 @@ What is saved but down is reported by absent. It is added by present, and saved 
   [3]
   up: 1/24 eth0:1 10/24 1/64 saved: 1
   $ safe present --readd eth0 192.0.2.10/24 2001:db8::1/64
-  2001:db8::1/64 is up but not saved: write it into /etc/sysconfig/network-scripts/ifcfg-eth0
+  2001:db8::1/64 is up but not saved: write it into DIR/ifcfg-eth0
   [3]
   up: 1/24 eth0:1 10/24 1/64 saved: 1 10
   $ fresh; addrtool-safe present eth0 192.0.2.10/24 2001:db8::5/64 2001:db8::6/64 >/dev/null
@@ -58,7 +58,7 @@ What is saved but down is reported by absent. It is added by present, and saved 
   would delete 203.0.113.2/24
   192.0.2.10 is saved but not up: bring it up
   $ safe absent 192.0.2.10 2001:db8::5 2>&1 | grep -v ^20
-  192.0.2.10 is saved but not up: bring it up, or remove it from /etc/sysconfig/network-scripts/ifcfg-eth0:1
+  192.0.2.10 is saved but not up: bring it up, or remove it from DIR/ifcfg-eth0:1
   [3]
   up: 1/24 6/64 1/64 saved: 1 1/64 6/64 5/64 10
   $ safe present eth0 192.0.2.10/24 2001:db8::5/64
@@ -72,13 +72,13 @@ missing final line feed is added before an IPv6 address is.
   $ safe present eth0 2001:db8::6/64; ip address del 2001:db8::5/64 dev eth0
   up: 1/24 6/64 5/64 1/64 saved: 1 1/64 6/64 5/64
   $ safe present eth0 2001:db8::7/64
-  2001:db8::5 is saved but not up: bring it up, or remove it from /etc/sysconfig/network-scripts/ifcfg-eth0
+  2001:db8::5 is saved but not up: bring it up, or remove it from DIR/ifcfg-eth0
   [3]
   up: 1/24 7/64 6/64 1/64 saved: 1 1/64 7/64 6/64 5/64
   $ fresh; echo 'IPV6ADDR_SECONDARIES="2001:db8::8/0"' >>$file
   $ safe present eth0 2001:db8::6/64
-  2001:db8::8 is saved but not up: bring it up, or remove it from /etc/sysconfig/network-scripts/ifcfg-eth0
-  /etc/sysconfig/network-scripts/ifcfg-eth0 saves 2001:db8::8/0: write its real length
+  2001:db8::8 is saved but not up: bring it up, or remove it from DIR/ifcfg-eth0
+  DIR/ifcfg-eth0 saves 2001:db8::8/0: write its real length
   [3]
   up: 1/24 6/64 1/64 saved: 1 1/64 6/64 8/0
   $ fresh; truncate -s -1 $file; safe present eth0 2001:db8::6/64
@@ -86,13 +86,13 @@ missing final line feed is added before an IPv6 address is.
 
 A caller that waits too long for the lock fails. The lock is for root alone, and no link.
 
-  $ fresh; flock /run/addrtool.lock sleep 1 & sleep 0.5; addrtool-safe absent --wait 0.1 192.0.2.10
+  $ fresh; flock /run/addrtool.lock sleep 3 & sleep 0.5; addrtool-safe absent --wait=-inf 192.0.2.10
   Another caller holds /run/addrtool.lock: try again, or raise --wait
   [1]
-  $ addrtool-safe absent 192.0.2.10; stat -c %a /run/addrtool.lock
+  $ addrtool-safe absent --wait inf 192.0.2.10; stat -c %a /run/addrtool.lock
   600
   $ ln -sf /etc/passwd /run/addrtool.lock; addrtool-safe absent 192.0.2.10
-  [Errno 40] Too many levels of symbolic links: '/run/addrtool.lock'
+  /run/addrtool.lock is no regular file: remove it
   [1]
 
 addrtool runs with SIGCHLD at its default and no other open file. A silent failure is noticed.
@@ -126,13 +126,13 @@ file keeps its mode, times and access list.
   $ fresh; echo 'import socket; log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)' >/run/log.py
   $ echo 'log.bind("/dev/log"); print(log.recv(999).decode())' >>/run/log.py
   $ /usr/bin/python3 /run/log.py >/run/log & until [[ -S /dev/log ]]; do :; done
-  $ SUDO_USER=ann addrtool-safe present eth0 192.0.2.10/24; wait; sed 's/>.*safe.[0-9]*/> [PID/' /run/log
-  add 192.0.2.10/24
+  $ SUDO_USER=ann addrtool-safe present eth0 192.0.2.10/24 >/dev/null; wait
+  $ sed 's/>.*safe.[0-9]*/> [PID/' /run/log
   <30> [PID]: ann (bash): add 192.0.2.10/24 on eth0: done
   $ fresh; sed -i '$s/64/0/' $file; touch -d 2020-01-01 $file; chmod 640 $file
   $ acl=0200000001000600ffffffff020006000000000004000400ffffffff10000600ffffffff20000000ffffffff
-  $ echo "import os; os.setxattr('$file', 'system.posix_acl_access', bytes.fromhex('$acl'))" >/run/acl.py
-  $ /usr/bin/python3 /run/acl.py
+  $ set_acl="import os; os.setxattr('$file', 'system.posix_acl_access', bytes.fromhex('$acl'))"
+  $ /usr/bin/python3 -c "$set_acl"
   $ safe repair; ls -l --time-style=long-iso $file | cut -d ' ' -f 1-4,6
   up: 1/24 1/64 saved: 1 1/64
   -rw-rw----+ 1 root root 2020-01-01
@@ -141,8 +141,15 @@ Wrong use ends with status 2. Only root may change. JSON has the same keys for a
 
   $ for words in '' 'present eth0 192.0.2.9' 'absent 192.0.2.9/24' 'present eth0 192.0.2.300/24' \
   >   'present eth0 192.0.2.9/255.255.255.0' 'absent 2001:db8::1%eth0' 'list --check'; do
-  >   addrtool-safe $words 2>/dev/null; echo -n "$? "; done; echo
-  2 2 2 2 2 2 2 
+  >   addrtool-safe $words 2>&1 | tail -n 1; echo -n "${PIPESTATUS[0]} "; done; echo
+  addrtool-safe: error: the following arguments are required: VERB
+  2 192.0.2.9 is no ADDRESS/LENGTH
+  2 192.0.2.9/24 is no ADDRESS
+  2 192.0.2.300/24 is no ADDRESS/LENGTH
+  2 192.0.2.9/255.255.255.0 is no ADDRESS/LENGTH
+  2 2001:db8::1%eth0 is no ADDRESS
+  2 addrtool-safe: error: unrecognized arguments: --check
+  2 
   $ for words in 'absent 192.0.2.1' 'repair --check' list; do
   >   addrtool-safe $words --json | grep -o '[a-z]*":' | tr -d '\n"'; echo; done
   actions:changed:diff:problems:interface:kind:message:status:

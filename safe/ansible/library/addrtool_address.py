@@ -31,7 +31,7 @@ options:
     type: bool
     default: false
   routes:
-    description: Delete an address even if a route to a gateway goes with it.
+    description: Delete an address even if a route needs it.
     type: bool
     default: false
   wait:
