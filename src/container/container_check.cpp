@@ -9,7 +9,7 @@
 namespace addrtool {
 
 bool anyLineHolds(std::FILE* stream, const std::string& address) {
-  bool found = address.empty();
+  bool found = false;
   char* line = nullptr;
   std::size_t size = 0;
   ssize_t length = 0;
@@ -19,7 +19,7 @@ bool anyLineHolds(std::FILE* stream, const std::string& address) {
     found = text.find(address) != std::string_view::npos;
   }
   std::free(line);  // NOLINT: getline(3) allocates, so there is nothing else to free it with
-  return found;
+  return found || address.empty();
 }
 
 int isAssignedToContainer(const std::string& address) {

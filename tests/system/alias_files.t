@@ -19,11 +19,11 @@ A new file is root's and readable by all, whatever the umask and the directory a
 An old file is replaced whole, whatever is in it. The new one has its mode.
 
   $ fresh; file=/etc/sysconfig/network-scripts/ifcfg-eth0:1
-  $ for mode in 600 7640 0 444; do
+  $ for mode in 666 7640 0 444; do
   >   printf 'ONBOOT=no\nIPADDR=10.0.0.1\n# long %01000d\n' 0 >$file; chmod $mode $file
   >   addrtool -a eth0 192.0.2.10 255.255.255.0; stat -c %a $file
   >   cat $file; addrtool -d 192.0.2.10; done
-  600
+  666
   DEVICE="eth0:1"
   IPADDR="192.0.2.10"
   NETMASK="255.255.255.0"
@@ -91,8 +91,11 @@ The shell reads that line as it was meant.
 
   $ fresh; touch $marker; addrtool -a eth0 192.0.2.10 255.255.255.0; (. $file; echo $STARTMODE)
   onboot
-  $ tail -c 20 $file | wc -l
-  2
+  $ cat $file
+  DEVICE="eth0:1"
+  IPADDR="192.0.2.10"
+  NETMASK="255.255.255.0"
+  STARTMODE='onboot'
 
 A label with a slash names a file in a directory.
 

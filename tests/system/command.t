@@ -4,11 +4,17 @@ It gets the environment of the program as it is. LC_ALL is not set for it.
 
   $ fresh || exit 80
   $ record 'tr "\0" "\n" </proc/$$/environ | grep -Ev "^(PWD|OLDPWD|SHLVL|_)=" | sort'
-  $ env -i LC_ALL=POSIX PATH=/nowhere:/bin "A=b c" "$(command -v addrtool)" -a eth0 2001:db8::5 64
+  $ env -i LC_ALL=POSIX PATH=/nowhere:/bin "A=b c" ENV=/dev/null BASH_ENV=/dev/null TMPDIR=/x \
+  >   LD_LIBRARY_PATH=/x HOME=/x "$(command -v addrtool)" -a eth0 2001:db8::5 64
   ifconfig [eth0] [add] [2001:db8::5/64]
   A=b c
+  BASH_ENV=/dev/null
+  ENV=/dev/null
+  HOME=/x
   LC_ALL=POSIX
+  LD_LIBRARY_PATH=/x
   PATH=/nowhere:/bin
+  TMPDIR=/x
   $ env -i LANG=C.UTF-8 "$(command -v addrtool)" -a eth0 192.0.2.10 255.255.255.0
   ifconfig [eth0:1] [192.0.2.10] [netmask] [255.255.255.0] [up]
   LANG=C.UTF-8
@@ -125,14 +131,22 @@ Each status but 0 is a failure with this number. The command is not repeated.
 A signal is a failure with its number.
 
   $ record '[[ $(cat /proc/$PPID/comm) == sh ]] && kill -$SIGNAL $PPID || kill -$SIGNAL $$'
-  $ for signal in 9 10 15; do SIGNAL=$signal addrtool -a eth0 2001:db8::5 64; done
-  ifconfig [eth0] [add] [2001:db8::5/64]
+  $ for signal in 1 2 9 10 13 14 15; do
+  >   SIGNAL=$signal addrtool -a eth0 2001:db8::5 64; echo $?; done 2>&1 | grep -v '^ifconfig'
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 1
+  1
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 2
+  1
   /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 9
-  ifconfig [eth0] [add] [2001:db8::5/64]
+  1
   /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 10
-  ifconfig [eth0] [add] [2001:db8::5/64]
+  1
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 13
+  1
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 14
+  1
   /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 15
-  [1]
+  1
   $ changed
 
 A missing command is a failure of the shell.

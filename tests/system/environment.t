@@ -44,7 +44,7 @@ On a terminal, a message for both streams comes twice.
   2001:db8::1 64 eth0 0
   0192.0.2.1: cannot delete main IP on interface
 
-The usage text has the same lines on a terminal of any width. No other output is a reason to move it.
+The usage text has the same lines on a terminal of any width, wherever the output goes.
 
   $ addrtool 2>usage
   [2]

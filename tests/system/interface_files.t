@@ -1,6 +1,6 @@
 The lists of IPv6 addresses in the files of interfaces.
 
-An add appends a list if the file has none. It never sets IPV6ADDR.
+An add appends a list if the file has none. It never sets IPV6ADDR, and does not look at it.
 
   $ fresh || exit 80
   $ file=/etc/sysconfig/network-scripts/ifcfg-eth0
@@ -8,7 +8,8 @@ An add appends a list if the file has none. It never sets IPV6ADDR.
   >   printf "$1" >$file; streams addrtool "${@:2}" | grep -v ifconfig; cat -vT $file; echo --; }
   $ add() { for content; do try "$content" -a eth0 2001:db8::5 64; done; }
   $ fresh; record; ip address add 2001:db8::5/64 dev eth0; mkdir /etc/kel; touch /etc/kel/kel.conf
-  $ add '' 'DEVICE=eth0\n\n# comment\n' 'IPV6ADDR=2001:db8::1/64\nX=1\n'
+  $ add '' 'DEVICE=eth0\n\n# comment\n' 'IPV6ADDR=2001:db8::1/64\nX=1\n' \
+  >   'IPV6ADDR=2001:db8::5/64\n' 'IPV6ADDR=\n' 'IPV6ADDR=""\n'
   IPV6ADDR_SECONDARIES="2001:db8::5/64"
   --
   DEVICE=eth0
@@ -18,6 +19,15 @@ An add appends a list if the file has none. It never sets IPV6ADDR.
   --
   IPV6ADDR=2001:db8::1/64
   X=1
+  IPV6ADDR_SECONDARIES="2001:db8::5/64"
+  --
+  IPV6ADDR=2001:db8::5/64
+  IPV6ADDR_SECONDARIES="2001:db8::5/64"
+  --
+  IPV6ADDR=
+  IPV6ADDR_SECONDARIES="2001:db8::5/64"
+  --
+  IPV6ADDR=""
   IPV6ADDR_SECONDARIES="2001:db8::5/64"
   --
 
@@ -56,8 +66,8 @@ allowed.
 
 The list may have the address already.
 
-  $ add 'IPV6ADDR_SECONDARIES=2001:db8::5/64 2001:DB8::5/48\n'
-  IPV6ADDR_SECONDARIES="2001:db8::5/64 2001:db8::5/64 2001:DB8::5/48"
+  $ add 'IPV6ADDR_SECONDARIES=2001:db8::5/64 2001:DB8::5/48 b/3 b/3\n'
+  IPV6ADDR_SECONDARIES="2001:db8::5/64 2001:db8::5/64 2001:DB8::5/48 b/3 b/3"
   --
 
 A list that is empty is kept, and another one is appended.
@@ -81,6 +91,17 @@ A list that is empty is kept, and another one is appended.
   IPV6ADDR_SECONDARIES="2001:db8::5/64"
   --
 
+If there is another list, nothing is appended.
+
+  $ add 'IPV6ADDR_SECONDARIES=a/1\nIPV6ADDR_SECONDARIES=""\n' \
+  >   'IPV6ADDR_SECONDARIES=""\nIPV6ADDR_SECONDARIES=a/1\n'
+  IPV6ADDR_SECONDARIES="2001:db8::5/64 a/1"
+  IPV6ADDR_SECONDARIES=""
+  --
+  IPV6ADDR_SECONDARIES=""
+  IPV6ADDR_SECONDARIES="2001:db8::5/64 a/1"
+  --
+
 A second list repeats the first one.
 
   $ add 'IPV6ADDR_SECONDARIES=a/1\nX=1\nIPV6ADDR_SECONDARIES=b/2 c/3\n'
@@ -100,7 +121,8 @@ A longer name that starts like the list's counts as one.
 
 Any other line is none, and it is kept.
 
-  $ add ' IPV6ADDR_SECONDARIES=a/1\n' 'export IPV6ADDR_SECONDARIES=a/1\nipv6addr_secondaries=a/1\n#IPV6ADDR_SECONDARIES=a/1\n' \
+  $ add ' IPV6ADDR_SECONDARIES=a/1\n' \
+  >   'export IPV6ADDR_SECONDARIES=a/1\nipv6addr_secondaries=a/1\n#IPV6ADDR_SECONDARIES=a/1\n' \
   >   'X=1\r\n\t\xff\xfe\0Z\n' '\xef\xbb\xbfIPV6ADDR_SECONDARIES=a/1\n'
    IPV6ADDR_SECONDARIES=a/1
   IPV6ADDR_SECONDARIES="2001:db8::5/64"
@@ -116,6 +138,18 @@ Any other line is none, and it is kept.
   --
   M-oM-;M-?IPV6ADDR_SECONDARIES=a/1
   IPV6ADDR_SECONDARIES="2001:db8::5/64"
+  --
+
+A backslash continues no line.
+
+  $ add 'X=\\\nIPV6ADDR_SECONDARIES=a/1\n' 'IPV6ADDR_SECONDARIES="a/1 \\\n b/2"\n'
+  X=\
+  IPV6ADDR_SECONDARIES="2001:db8::5/64 a/1"
+  --
+  1: \: cannot parse IPv6 address
+  2: \: cannot parse IPv6 address
+  IPV6ADDR_SECONDARIES="a/1 \
+   b/2"
   --
 
 If the last line has no line feed, the list is appended to it.
@@ -147,6 +181,12 @@ An entry without exactly one slash is reported on both streams, and the file sta
   IPV6ADDR_SECONDARIES=a//1
   --
 
+The report has the whole entry.
+
+  $ printf 'IPV6ADDR_SECONDARIES=%07000d\n' 0 >$file
+  $ addrtool -a eth0 2001:db8::5 64 2>/dev/null | wc -c
+  7067
+
 A comment behind the list is part of it.
 
   $ add 'IPV6ADDR_SECONDARIES=a/1 # b/2\n' 'IPV6ADDR_SECONDARIES="a/1" #b/2\n'
@@ -157,26 +197,35 @@ A comment behind the list is part of it.
   IPV6ADDR_SECONDARIES="2001:db8::5/64 a/0 #b/2"
   --
 
-A delete removes every entry with the address, in any spelling, and keeps the order of the others.
+A delete removes every entry with the address, in any spelling. The others keep their order, and
+their number.
 
   $ delete() { for content; do try "$content" -d 2001:db8::5; done; }
   $ delete 'IPV6ADDR=2001:db8::1/64\nIPV6ADDR_SECONDARIES=2001:db8::5/64\nX=1\n' \
-  >   'IPV6ADDR_SECONDARIES=2001:db8::9/64 2001:DB8:0::5/1 2001:db8::2/64 2001:db8::0.0.0.5/2 b/3\n'
+  >   'IPV6ADDR_SECONDARIES=c/9 2001:DB8:0::5/1 2001:db8::2/64 2001:db8::0.0.0.5/2 b/3 b/3\n' \
+  >   'IPV6ADDR_SECONDARIES=2001:db8::5/64 a/1'
   IPV6ADDR=2001:db8::1/64
   X=1
   --
-  IPV6ADDR_SECONDARIES="2001:db8::9/64 2001:db8::2/64 b/3"
+  IPV6ADDR_SECONDARIES="c/9 2001:db8::2/64 b/3 b/3"
+  --
+  IPV6ADDR_SECONDARIES="a/1"
   --
 
 If IPV6ADDR is the address, the first entry takes its place, without quotes.
 
   $ delete 'IPV6ADDR=2001:db8::5/64\nX=1\nIPV6ADDR_SECONDARIES=2001:DB8::2/064 2001:db8::3/64\n' \
-  >   'IPV6ADDR_SECONDARIES="2001:db8::2/64"\nIPV6ADDR="2001:db8::5/64"'
+  >   'IPV6ADDR_SECONDARIES="2001:db8::2/64"\nIPV6ADDR="2001:db8::5/64"' \
+  >   'IPV6ADDR=2001:db8::5/64\nIPV6ADDR_SECONDARIES=a/1\nIPV6ADDR_SECONDARIES=b/2\n'
   IPV6ADDR=2001:DB8::2/64
   X=1
   IPV6ADDR_SECONDARIES="2001:db8::3/64"
   --
   IPV6ADDR=2001:db8::2/0
+  --
+  IPV6ADDR=a/1
+  IPV6ADDR_SECONDARIES="b/2"
+  IPV6ADDR_SECONDARIES="b/2"
   --
 
 The quotes, blanks and length of IPV6ADDR do not matter, but other text does.
@@ -233,7 +282,8 @@ Without an entry to promote, the delete is reported on both streams, and the fil
 
 An address that is not in the file leaves it as it is, but lists are written anew.
 
-  $ delete 'IPV6ADDR=x\nX=1' 'IPV6ADDR="2001:db8::1/64"\nIPV6ADDR_SECONDARIES="a/1\tb/2"\r\nX=1\n' 'IPV6ADDR_SECONDARIES=""\nX=1\n'
+  $ delete 'IPV6ADDR=x\nX=1' 'IPV6ADDR="2001:db8::1/64"\nIPV6ADDR_SECONDARIES="a/1\tb/2"\r\nX=1\n' \
+  >   'IPV6ADDR_SECONDARIES=""\nX=1\n'
   IPV6ADDR=x
   X=1--
   IPV6ADDR="2001:db8::1/64"
@@ -243,17 +293,21 @@ An address that is not in the file leaves it as it is, but lists are written ane
   X=1
   --
 
-Each of several lists is replaced by all of them.
+Each of several lists is replaced by all of them, or removed if nothing is left.
 
-  $ delete 'IPV6ADDR_SECONDARIES=a/1\nX=1\nIPV6ADDR_SECONDARIES=2001:db8::5/64 b/2\n'
+  $ delete 'IPV6ADDR_SECONDARIES=a/1\nX=1\nIPV6ADDR_SECONDARIES=2001:db8::5/64 b/2\n' \
+  >   'IPV6ADDR_SECONDARIES=2001:db8::5/64\nX=1\nIPV6ADDR_SECONDARIES=2001:db8::5/48\n'
   IPV6ADDR_SECONDARIES="a/1 b/2"
   X=1
   IPV6ADDR_SECONDARIES="a/1 b/2"
   --
+  X=1
+  --
 
 A delete needs the exact name at the start of the line.
 
-  $ delete 'IPV6ADDR_SECONDARIES_OLD=2001:db8::5/64\n IPV6ADDR=2001:db8::5\nIPV6ADDR =2001:db8::5\nipv6addr=2001:db8::5\nIPV6ADDR_X=2001:db8::5\n'
+  $ delete 'IPV6ADDR_SECONDARIES_OLD=2001:db8::5/64\n IPV6ADDR=2001:db8::5\n'\
+  > 'IPV6ADDR =2001:db8::5\nipv6addr=2001:db8::5\nIPV6ADDR_X=2001:db8::5\n'
   IPV6ADDR_SECONDARIES_OLD=2001:db8::5/64
    IPV6ADDR=2001:db8::5
   IPV6ADDR =2001:db8::5
@@ -322,20 +376,21 @@ A line of more than 8095 bytes is read in pieces. Each piece that starts like a 
   $ fresh; record >/dev/null; ip address add 2001:db8::5/64 dev eth0
   $ printf '#%08094dIPV6ADDR_SECONDARIES=a/1\n' 0 >$file; addrtool -a eth0 2001:db8::6 64
   ifconfig [eth0] [add] [2001:db8::6/64]
-  $ sed 's/0\{8094\}/(zeros)/' $file
+  $ shown() { local text=$(<$file) zeros=$(printf "%0$1d" 0); echo "${text/$zeros/(zeros)}"; }
+  $ shown 8094
   #(zeros)IPV6ADDR_SECONDARIES="2001:db8::6/64 a/1"
   $ printf '#%08093dIPV6ADDR_SECONDARIES=a/1\n' 0 >$file; addrtool -a eth0 2001:db8::6 64
   ifconfig [eth0] [add] [2001:db8::6/64]
-  $ sed 's/0\{8093\}/(zeros)/' $file
+  $ shown 8093
   #(zeros)IPV6ADDR_SECONDARIES=a/1
   IPV6ADDR_SECONDARIES="2001:db8::6/64"
 
 The new file has the mode of the old one, whose other names keep the old text, but not its time.
 
-  $ fresh; chmod 6604 $file; touch -d 2000-01-01 $file; ln $file /etc/sysconfig/another
+  $ fresh; chmod 6666 $file; touch -d 2000-01-01 $file; ln $file /etc/sysconfig/another
   $ cp $file /etc/sysconfig/copy
   $ addrtool -a eth0 2001:db8::5 64; stat -c '%a %h' $file; find $file -mmin -9
-  6604 1
+  6666 1
   /etc/sysconfig/network-scripts/ifcfg-eth0
   $ cmp /etc/sysconfig/another /etc/sysconfig/copy
 

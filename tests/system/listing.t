@@ -33,6 +33,13 @@ Aliases come after plain addresses, in the byte order of their suffixes, each wi
   10.1.0.7 255.255.0.0 eth0 0
   2001:db8::1 64 eth0 0
 
+An address that is there twice is listed twice.
+
+  $ fresh; ip address add 192.0.2.1/32 dev eth0 label eth0:1; addrtool -l
+  192.0.2.1 255.255.255.0 eth0 1
+  192.0.2.1 255.255.255.255 eth0 0
+  2001:db8::1 64 eth0 0
+
 Without a plain address, the first alias is the primary one.
 
   $ fresh
@@ -87,7 +94,8 @@ One suffix on two interfaces counts twice.
 Interfaces come in the byte order of their names, with all that each has.
 
   $ fresh
-  $ for name in eth10 eth1 wlan0 Eth2 $'\xff' e docker0 eth0.100 fifteen-letters $'a\1'; do interface "$name" 10.0.0.1/32; done
+  $ for name in eth10 eth1 eth2 wlan0 Eth2 $'\xff' e docker0 eth0.100 fifteen-letters $'a\1'; do
+  >   interface "$name" 10.0.0.1/32; done
   $ ip address add 2001:db8::11/64 dev eth1 nodad
   $ ip address add 10.0.0.2/32 dev lo
   $ addrtool -l
@@ -101,6 +109,7 @@ Interfaces come in the byte order of their names, with all that each has.
   10.0.0.1 255.255.255.255 eth1 1
   2001:db8::11 64 eth1 0
   10.0.0.1 255.255.255.255 eth10 1
+  10.0.0.1 255.255.255.255 eth2 1
   10.0.0.1 255.255.255.255 fifteen-letters 1
   10.0.0.2 255.255.255.255 lo 1
   10.0.0.1 255.255.255.255 wlan0 1

@@ -120,6 +120,12 @@ A report ends with the last system error before it, even if that is unrelated. N
   System error 34: Numerical result out of range
   nonsense: cannot parse IPv6 address
   System error 34: Numerical result out of range
+  $ echo IPV6ADDR_SECONDARIES=nonsense >$network_scripts/ifcfg-eth0
+  $ rm /proc/qv/veinfo; mkdir /proc/qv/veinfo; for text in '' x; do report -v "$text"; done
+  nonsense: cannot parse IPv6 address
+  System error 21: Is a directory
+  nonsense: cannot parse IPv6 address
+  System error 21: Is a directory
   $ addrtool -l extra 2>/dev/full
   Some parameters in command string are left unprocessed. Check parameters please.
   [1]
@@ -127,6 +133,20 @@ A report ends with the last system error before it, even if that is unrelated. N
   Some parameters in command string are left unprocessed. Check parameters please.
   System error 28: No space left on device
   [1]
+
+A missing file of an alias or of an interface is such an error too. A report ends no call.
+
+  $ fresh; mkdir kel; touch kel/kel.conf; interface eth1 2001:db8:1::1/64 2001:db8:1::2/64
+  $ rm $network_scripts/ifcfg-eth1; ip address add 10.0.0.1/32 dev eth0 label eth0:1
+  $ echo IPV6ADDR=2001:db8::5/64 >$network_scripts/ifcfg-eth0
+  $ for first in 2001:db8:1::2 10.0.0.1; do ip address add 2001:db8::5/64 dev eth0 nodad
+  >   addrtool -d $first -d 2001:db8::5 -v 10.0.0.1 2>/dev/null; echo; done
+  Cannot remove last IPv6 address 2001:db8::5
+  System error 2: No such file or directory
+  0
+  Cannot remove last IPv6 address 2001:db8::5
+  System error 2: No such file or directory
+  0
 
 Output that cannot be written changes no status and causes no message.
 
@@ -195,14 +215,34 @@ A file that takes the output keeps what it has.
   2001:db8::1 64 eth0 0
   0 (no-eol)
 
-A log socket is not used.
+A report comes twice, even into one file.
 
-  $ /usr/bin/python3 -c 'import socket; socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM).bind("/dev/log")'
-  $ each '-l extra' '-d 192.0.2.1'
-  addrtool -l extra
-  1: Some parameters in command string are left unprocessed. Check parameters please.
-  2: Some parameters in command string are left unprocessed. Check parameters please.
+  $ addrtool -l extra >both 2>&1
   [1]
-  addrtool -d 192.0.2.1
-  2: 192.0.2.1: cannot delete main IP on interface
-  [1]
+  $ cat both
+  Some parameters in command string are left unprocessed. Check parameters please.
+  Some parameters in command string are left unprocessed. Check parameters please.
+
+Nothing is logged.
+
+  $ cat >log.py <<'END'
+  > import socket, subprocess
+  > log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+  > log.bind("/dev/log")
+  > log.settimeout(0)
+  > for words in "-a eth0 192.0.2.10 255.255.255.0", "-a eth0 2001:db8::5 64", "-l extra", \
+  >     "-v 10.0.0.1 -d 192.0.2.10", "-d 2001:db8::5", "-d 192.0.2.1", "-x":
+  >     status = subprocess.call(["addrtool"] + words.split(), stdout=-3, stderr=-3)
+  >     try:
+  >         print(words, status, log.recv(999))
+  >     except BlockingIOError:
+  >         print(words, status)
+  > END
+  $ fresh; /usr/bin/python3 log.py
+  -a eth0 192.0.2.10 255.255.255.0 0
+  -a eth0 2001:db8::5 64 0
+  -l extra 1
+  -v 10.0.0.1 -d 192.0.2.10 0
+  -d 2001:db8::5 0
+  -d 192.0.2.1 1
+  -x 2

@@ -25,13 +25,17 @@ TEST(AnyLineHolds, AReadErrorEndsTheSearch) {
   expectFound(false, "10.0.0.1", std::queue<std::string>({"10.0.0.", "", "1\n"}), 1);
 }
 
+TEST(AnyLineHolds, AnEmptyTextIsFoundAfterARead) {
+  expectFound(true, "", std::queue<std::string>({"", "10.0.0.1\n"}), 1);
+}
+
 TEST(AnyLineHolds, TheStartOfALineBeforeAReadErrorIsSearched) {
   expectFound(true, "10.0.0.1", std::queue<std::string>({"first\n10.0.0.1", ""}));
 }
 
 TEST(AnyLineHolds, NothingIsReadAfterTheTextIsFound) {
   expectFound(true, "10.0.0.1", std::queue<std::string>({"10.0.0.1\n", "10.0.0.1\n"}), 1);
-  expectFound(true, "", std::queue<std::string>({"10.0.0.1\n"}), 1);
+  expectFound(true, "", std::queue<std::string>({"10.0.0.1\n", "10.0.0.1\n"}), 1);
 }
 
 TEST(AnyLineHolds, OutOfMemoryEndsTheSearch) {

@@ -106,6 +106,13 @@ TEST_F(ReplaceFile, AMissingTargetThatMustExistIsNotCreated) {
   EXPECT_EQ(names(), Names{});
 }
 
+TEST_F(ReplaceFile, TheWriterGetsNoFileInPlaceOfAMissingTarget) {
+  EXPECT_EQ(replace(0), 0);
+  EXPECT_EQ(script.calls, 1);
+  EXPECT_FALSE(script.hadOldFile);
+  expectOnlyTarget("new\n");
+}
+
 TEST_F(ReplaceFile, ReadersSeeTheOldContentUntilTheWriterIsDone) {
   writeFile(target, "old\n");
   const auto writer = [](std::FILE*, std::FILE* newFile, void* context) {

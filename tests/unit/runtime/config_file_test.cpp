@@ -199,6 +199,25 @@ TEST_F(ConfigFile, LinesOfAnyLengthAreRead) {
                 {noSpace(value)});
 }
 
+TEST_F(ConfigFile, ABackslashContinuesNoLine) {
+  expectContent("A v\\\nB w\n", {{"A", "v\\"}, {"B", "w"}});
+}
+
+TEST_F(ConfigFile, AnyNumberOfDefinitionsIsRead) {
+  EXPECT_EQ(readText(numberedLines(3000)), 0);
+  EXPECT_EQ(table->count, 3000U);
+}
+
+TEST_F(ConfigFile, TheModeOfTheFileDoesNotMatter) {
+  for (const unsigned mode : {0666U, 0777U, 0400U}) {
+    writeFile(path, "A v\n");
+    fs::permissions(path, fs::perms{mode});
+    EXPECT_EQ(readPath(path), 0);
+    EXPECT_EQ(definitions(), (Definitions{{"A", "v"}}));
+    fs::remove(path);
+  }
+}
+
 TEST_F(ConfigFile, ALineEndsAtANulByte) {
   using namespace std::string_literals;
   expectContent("NAME value\0 more\n"s, {{"NAME", "value"}});

@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <syslog.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <climits>
 #include <cstdarg>
 #include <map>
 
+#include "runtime/messages.h"
 #include "support/child_process.h"
 
 namespace addrtool::testing {
@@ -38,6 +40,14 @@ TEST(ConsoleLog, PrintsFormattedLinesOnBothStreams) {
   expectInChild(onBothStreams("text 5\n"), [] { logMessage(3, "%s %d", "text", 5); });
   expectInChild(onBothStreams("text 5\n"), [] { logThroughList(3, "%s %d", "text", 5); });
   expectInChild(onBothStreams("text\n\n"), [] { logMessage(3, "text\n"); });
+}
+
+TEST(ConsoleLog, PrintsTwiceOnOneStreamAndNoNameOfTheProgram) {
+  expectInChild({0, 0, "text\ntext\n", ""}, [] {
+    dup2(STDOUT_FILENO, STDERR_FILENO);
+    messageProgramName = "addrtool";
+    logMessage(3, "text");
+  });
 }
 
 TEST(ConsoleLog, PrintsPrioritiesUpToTheThresholdIncludingFacilityBits) {
