@@ -86,10 +86,10 @@ missing final line feed is added before an IPv6 address is.
 
 A caller that waits too long for the lock fails. The lock is for root alone, and no link.
 
-  $ fresh; flock /run/addrtool.lock sleep 3 & sleep 0.5; addrtool-safe absent --wait=-inf 192.0.2.10
+  $ fresh; exec 9>/run/addrtool.lock; flock 9; addrtool-safe absent --wait=-inf 192.0.2.10
   Another caller holds /run/addrtool.lock: try again, or raise --wait
   [1]
-  $ addrtool-safe absent --wait inf 192.0.2.10; stat -c %a /run/addrtool.lock
+  $ sleep 1 & exec 9>&-; addrtool-safe absent --wait inf 192.0.2.10; stat -c %a /run/addrtool.lock
   600
   $ ln -sf /etc/passwd /run/addrtool.lock; addrtool-safe absent 192.0.2.10
   /run/addrtool.lock is no regular file: remove it
