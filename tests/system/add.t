@@ -126,11 +126,11 @@ An action that comes before the add is done although the netmask is wrong.
   24: cannot convert to netmask
   [1]
 
-The address reaches the command and the file as typed.
+The address reaches the command and the file as typed, even if no host can have it.
 
   $ fresh; record
   $ for address in ' 10.0.0.5 ' 10.0.0.013 10.0.0.5/28 '' '"' 'a; $(id) *' '%s\n' $'two\nlines' \
-  >     -x; do
+  >     -x 0.0.0.0 192.0.2.255; do
   >   addrtool -a eth0 -- "$address" 255.255.255.0
   >   sed '1d; $d' /etc/sysconfig/network-scripts/ifcfg-eth0:1; done
   ifconfig [eth0:1] [ 10.0.0.5 ] [netmask] [255.255.255.0] [up]
@@ -153,8 +153,12 @@ The address reaches the command and the file as typed.
   lines"
   ifconfig [eth0:1] [-x] [netmask] [255.255.255.0] [up]
   IPADDR="-x"
+  ifconfig [eth0:1] [0.0.0.0] [netmask] [255.255.255.0] [up]
+  IPADDR="0.0.0.0"
+  ifconfig [eth0:1] [192.0.2.255] [netmask] [255.255.255.0] [up]
+  IPADDR="192.0.2.255"
 
-A single quote in an IPv4 operand is not escaped.
+A single quote in an IPv4 operand or in the interface's name is not escaped.
 
   $ fresh; record
   $ addrtool -a eth0 "10.0.0.5' x '" 255.255.255.0
@@ -168,6 +172,9 @@ A single quote in an IPv4 operand is not escaped.
   + ifcfg-eth0:1: DEVICE="eth0:1"
   + ifcfg-eth0:1: IPADDR="10.0.0.5'; echo ran; echo '"
   + ifcfg-eth0:1: NETMASK="255.255.255.0"
+  $ interface "e'e'" 10.1.1.1/24
+  $ addrtool -a "e'e'" 10.1.2.1 255.255.255.0
+  ifconfig [ee:1] [10.1.2.1] [netmask] [255.255.255.0] [up]
 
 The kernel has what ifconfig makes of the address.
 
@@ -246,12 +253,14 @@ An IPv4 add needs an interface that the listing shows, named exactly.
 
   $ fresh; interface eth1; interface eth2
   $ ip address add 169.254.1.1/16 dev eth2 scope link
+  $ ip link property add dev eth0 altname lan0
   $ ip address add 192.0.2.10/24 dev eth0 label eth0:1; changed >/dev/null
-  $ for interface in eth1 eth2 eth0:1 eth9 ETH0 eth lo 'eth0 ' ' eth0' $'eth0\nx'; do
+  $ for interface in eth1 eth2 eth0:1 lan0 eth9 ETH0 eth lo 'eth0 ' ' eth0' $'eth0\nx'; do
   >   streams addrtool -a "$interface" 10.0.0.1 255.255.255.0; done
   2: eth1: no such network interface.
   2: eth2: no such network interface.
   2: eth0:1: no such network interface.
+  2: lan0: no such network interface.
   2: eth9: no such network interface.
   2: ETH0: no such network interface.
   2: eth: no such network interface.
@@ -263,12 +272,16 @@ An IPv4 add needs an interface that the listing shows, named exactly.
   [1]
   $ changed
 
-An interface that has only an IPv6 address can get an IPv4 address.
+An interface that has only an IPv6 address or only aliases can get an IPv4 address.
 
   $ interface eth3 2001:db8:3::1/64
   $ addrtool -a eth3 10.0.0.1 255.255.255.0; addresses | grep eth3
   eth3:1 10.0.0.1/24
   eth3 2001:db8:3::1/64
+  $ interface eth4; ip address add 10.0.0.1/32 dev eth4 label eth4:1
+  $ addrtool -a eth4 10.0.0.2 255.255.255.255; addresses | grep eth4
+  eth4:1 10.0.0.1/32
+  eth4:2 10.0.0.2/32
 
 An interface that is down stays down.
 
@@ -306,10 +319,10 @@ The command of an IPv6 add has no quotes.
   2: /sbin/ifconfig eth0 add 2001:DB8:0::5/48 exited with non-zero status 1
   [1]
 
-A colon alone makes an address IPv6.
+A colon alone makes an address IPv6. Whether it can be used is left to the command.
 
   $ fresh
-  $ for address in : 192.0.2.10: 2001:db8::g; do record 'exit 1'
+  $ for address in : 192.0.2.10: 2001:db8::g :: ::1 ff02::1; do record 'exit 1'
   >   addrtool -a eth0 $address 64; done
   ifconfig [eth0] [add] [:/64]
   /sbin/ifconfig eth0 add :/64 exited with non-zero status 1
@@ -317,6 +330,12 @@ A colon alone makes an address IPv6.
   /sbin/ifconfig eth0 add 192.0.2.10:/64 exited with non-zero status 1
   ifconfig [eth0] [add] [2001:db8::g/64]
   /sbin/ifconfig eth0 add 2001:db8::g/64 exited with non-zero status 1
+  ifconfig [eth0] [add] [::/64]
+  /sbin/ifconfig eth0 add ::/64 exited with non-zero status 1
+  ifconfig [eth0] [add] [::1/64]
+  /sbin/ifconfig eth0 add ::1/64 exited with non-zero status 1
+  ifconfig [eth0] [add] [ff02::1/64]
+  /sbin/ifconfig eth0 add ff02::1/64 exited with non-zero status 1
   [1]
 
 The prefix length reaches the command and the file as a plain number, whatever its size.

@@ -64,6 +64,19 @@ There is no time limit and no lock.
   $ calls fcntl addrtool -a eth0 2001:db8::5 64 -d 192.0.2.10 | grep LK
   [1]
 
+Only the configuration and the interface's files are opened, and nothing is logged.
+
+  $ fresh; for words in 'eth0 192.0.2.10 255.255.255.0' 'eth0 2001:db8::5 64 -d 192.0.2.10'; do
+  >   trace -e 'trace=/^(open|connect)' addrtool -a $words
+  >   sed 's/[.].\{6\}"/.XXXXXX"/' /proc/.sandbox/calls | grep -oE '"/.*"' |
+  >     grep -vE '\.so|\.gcda|/self/'; done
+  "/etc/kel/kel.conf"
+  "/etc/sysconfig/network-scripts/ifcfg-eth0:1.XXXXXX"
+  "/etc/sysconfig/network-scripts/ifcfg-eth0:1"
+  "/etc/kel/kel.conf"
+  "/etc/sysconfig/network-scripts/ifcfg-eth0.XXXXXX"
+  "/etc/sysconfig/network-scripts/ifcfg-eth0"
+
 If the kernel cannot be asked again, the alias and its file stay deleted.
 
   $ fresh; for n in 1 2; do addrtool -a eth0 198.51.100.$n 255.255.255.0; done; changed >/dev/null

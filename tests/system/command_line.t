@@ -136,13 +136,15 @@ Bad options are reported, each by itself. Alone, they end with the usage text. T
   2: (usage)
   [2]
 
-There are no other options, neither short nor long.
+There are no other options, neither short nor long. An empty name may mean each, in this order.
 
   $ for letter in {a..z} {A..Z} {0..9}; do
   >   addrtool "-$letter" 2>&1 | grep -q 'invalid option' || echo "-$letter"
   >   addrtool "--$letter" 2>&1 | grep -q 'unrecognized option' || echo "--$letter"
   > done | xargs
   -a --a -d --d -h --h -l --l --m --q -v
+  $ addrtool --=x 2>&1 | grep -o "'--[a-z-]*'" | xargs
+  --list --add --del --main --help --qv-assigned-ip
 
 A bad option stops no action and changes no status.
 

@@ -178,7 +178,7 @@ An IPv4 address must be written as the kernel prints it. The message ends in a f
 
   $ fresh; addrtool -a eth0 10.0.0.1 255.255.255.0; changed >/dev/null
   $ for address in 127.0.0.1 192.0.2.99 10.0.0.01 ' 10.0.0.1' '10.0.0.1 ' 10.0.1 10.0.0.1/24 \
-  >     10.0.0. eth0 localhost ''; do
+  >     10.0.0.1,10.0.0.1 10.0.0. eth0 localhost ''; do
   >   streams addrtool -d "$address"; done
   2: 127.0.0.1: not configured.
   2: 192.0.2.99: not configured.
@@ -187,6 +187,7 @@ An IPv4 address must be written as the kernel prints it. The message ends in a f
   2: 10.0.0.1 : not configured.
   2: 10.0.1: not configured.
   2: 10.0.0.1/24: not configured.
+  2: 10.0.0.1,10.0.0.1: not configured.
   2: 10.0.0.: not configured.
   2: eth0: not configured.
   2: localhost: not configured.

@@ -29,6 +29,12 @@ A failing step of the reading gives one message. No step is repeated, and no act
   Incorrect format of RTM_GETADDR request response
   [1]
 
+A request that is sent in part is no failure.
+
+  $ fail sendto retval=23 recvfrom:when=1 ENOMEM addrtool -l
+  Can not get RTM_GETADDR request response: Cannot allocate memory
+  [1]
+
 The socket is closed even if its close fails, and that failure is not the one reported.
 
   $ fail socket:when=1 retval=99 sendto ENOMEM addrtool -l

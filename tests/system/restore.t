@@ -83,6 +83,14 @@ An alias is present if its suffix is, whatever its address.
   $ addrtool -d 198.51.100.1
   ifconfig [eth0:1] [down]
 
+Aliases come back even if the deleted one is still there.
+
+  $ fresh; for n in 1 2; do ip address add 10.0.0.$n/32 dev eth0 label eth0:$n; done
+  $ record '[[ $2 != down ]] || ip address del 10.0.0.2/32 dev eth0'
+  $ addrtool -d 10.0.0.1
+  ifconfig [eth0:1] [down]
+  ifconfig [eth0:2] [10.0.0.2] [netmask] [255.255.255.255] [up]
+
 Suffixes are compared with their case, and whole.
 
   $ fresh

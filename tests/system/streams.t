@@ -168,6 +168,10 @@ Output that cannot be written changes no status and causes no message.
   $ addrtool -l extra >&-
   Some parameters in command string are left unprocessed. Check parameters please.
   [1]
+  $ addrtool 2>/dev/full
+  [2]
+  $ addrtool -h 2>&-
+  [2]
 
 Closed streams change no action.
 
