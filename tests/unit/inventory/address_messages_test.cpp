@@ -366,6 +366,14 @@ TEST(ClassifyDatagram, AnImpossibleFirstLengthIsMalformed) {
   }
 }
 
+TEST(ClassifyDatagram, TheErrorCodeIsNotRead) {
+  for (const char byte : {'\0', '\1', '\xff'}) {
+    const std::string code(4, byte);
+    EXPECT_EQ(kindOf(headerOnly(20, NLMSG_DONE) + code), DatagramKind::EndOfDump);
+    EXPECT_EQ(kindOf(headerOnly(20, NLMSG_ERROR) + code), DatagramKind::Malformed);
+  }
+}
+
 // --- datagrams with wrong lengths ---
 
 const AddressMessage otherMessage = having({addressAttribute("192.0.2.9")});

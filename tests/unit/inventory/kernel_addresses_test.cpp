@@ -53,6 +53,13 @@ TEST(KernelAddresses, EveryReplyIsReadUntilTheDumpEndsAndTheSocketIsClosed) {
   EXPECT_EQ(FailingCall::calls(), 1);
 }
 
+TEST(KernelAddresses, AreAddedToWhatTheDumpHolds) {
+  const CannedMachine machine({ipv4()});
+  AddressDump dump = eth0With({.ipv6 = {{"2001:db8::1", 64}}});
+  readKernelAddresses(dump, false);
+  EXPECT_EQ(dump, eth0With({.primaryIPv4 = {{"192.0.2.1", 24}}, .ipv6 = {{"2001:db8::1", 64}}}));
+}
+
 TEST(KernelAddresses, OnlyTheFirstMessageOfAReplyCanEndTheDump) {
   EXPECT_EQ(dumpOf({{oneAddress + std::string(3, '\0') + done}, {done}}), plainIPv4);
   EXPECT_EQ(dumpOf({{oneAddress + std::string(3, '\0') + headerOnly(16, NLMSG_ERROR)}, {done}}),

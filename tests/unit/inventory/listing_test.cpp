@@ -70,10 +70,13 @@ TEST(MainAddress, IsTheFirstOfTheFirstInterfaceIPv4BeforeIPv6) {
       {"192.0.2.9", {on(2, ipv4("10.0.0.1")), ipv6(), ipv4("192.0.2.9"), ipv4()}},
       {"192.0.2.10", {ipv4("192.0.2.2", "eth0:2"), ipv4("192.0.2.10", "eth0:10")}},
       {"2001:db8::1", {on(2, ipv4()), ipv6(), ipv6("2001:db8::2")}},
-      {"10.0.0.1", {on(3, ipv4("10.0.0.1"))}}};  // of lo
+      {"10.0.0.1", {on(3, ipv4("10.0.0.1"))}},  // of lo
+      {"10.0.0.1", {on(2, ipv4()), on(3, ipv4("10.0.0.1"))}}};
+  const std::vector<std::string> interfaces{"eth0", "wlan0", "lo"};
   for (const auto& [address, messages] : rows) {
-    expectPrinted(success(address + '\n'), messages, printMainAddress);
-    const CannedMachine machine(messages);
+    expectPrinted(success(address + '\n'), messages, printMainAddress, interfaces);
+    CannedMachine machine(messages);
+    machine.interfaces = interfaces;
     EXPECT_EQ(mainAddress(), address);
   }
 }
