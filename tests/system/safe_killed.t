@@ -4,15 +4,14 @@ Needs a real processor.
 Needs tracing.
 Needs no sanitizer.
 
+The kill hits addrtool-safe or a command. The next run ends with 0, as asked. Or it ends with 3 and a
+true message, and --readd, or the opposite before, helps. KILLS=1 tries each call, in an hour.
+
   $ fresh || exit 80
   $ start() { fresh; addrtool-safe present eth0 192.0.2.11/24 2001:db8::6/64 2001:db8::7/64 >/dev/null; }
   $ has() {  # TEXT: 1 if it is up, and 1 if it is saved
   >   addresses | grep -qF "$1" && echo -n 1 || echo -n 0
   >   grep -qF "$1" $network_scripts/* && echo 1 || echo 0; }
-
-The kill hits addrtool-safe or a command. The next run ends with 0, as asked. Or it ends with 3 and a
-true message, and --readd, or the opposite before, helps. KILLS=1 tries each call, in an hour.
-
   $ hits=0; while read -r words; do
   >   address=${words##* }; address=${address%/*}
   >   case $words in present*) good=11 bad=10 helps="${words/ / --readd }" ;;
