@@ -19,11 +19,15 @@ A replaced file keeps owner, group and mode, also the bits that a change of owne
   - eth0 2001:db8::5/64
   - ifcfg-eth0: IPV6ADDR_SECONDARIES="2001:db8::5/64"
 
-A new file is owned by root and root's group, whatever the folder and the caller's group are.
+A new file is owned by root and root's group, whatever the folder and the caller are.
 
   $ fresh; chown 12:34 /etc/sysconfig/network-scripts; chmod g+ws /etc/sysconfig/network-scripts
   $ setpriv --regid 34 --clear-groups addrtool -a eth0 192.0.2.10 255.255.255.0
-  $ stat -c '%u:%g %a' $file:1
+  $ cp "$(command -v addrtool)" /etc/; may=+chown,+dac_override,+fowner,+net_admin
+  $ setpriv --reuid 12 --clear-groups --inh-caps=$may --ambient-caps=$may \
+  >   /etc/addrtool -a eth0 192.0.2.11 255.255.255.0; rm /etc/addrtool
+  $ stat -c '%u:%g %a' $file:1 $file:2
+  0:0 644
   0:0 644
 
 A new file in place of a link to nothing is root's too, and one in place of a link has the owner of
