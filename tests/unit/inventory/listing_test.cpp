@@ -93,6 +93,8 @@ TEST(InterfaceNames, AreSortedByBytesUpToTheFirstColonAndUnique) {
   const Messages messages{ipv4(), on(2, ipv4()), on(3, ipv6()), on(1, ipv4()), on(3, ipv4())};
   expectPrinted(success("eth1\nlo\n\xff\n"), messages, printInterfaceNames, {"\xff", "lo", "eth1"});
   expectPrinted(success("a\neth1\n"), messages, printInterfaceNames, {"eth1:2:3", "a", "eth1"});
+  const std::vector<std::string> odd{"a@b.1", "a b%-", "a/+\"'~"};
+  expectPrinted(success("a b%-\na/+\"'~\na@b.1\n"), messages, printInterfaceNames, odd);
   expectPrinted(success("eth0\n"), {ipv4()}, printInterfaceNames);
   expectPrinted(silentSuccess, {loopbackAddress}, printInterfaceNames);
 }
