@@ -1,5 +1,4 @@
 What the check of addrtool-safe finds, and what its repair mends.
-
 Needs a real processor.
 
   $ fresh || exit 80
@@ -7,16 +6,15 @@ Needs a real processor.
   $ other() { unshare --user --map-user=9 addrtool-safe "$@" 2>&1 | sed "s|${file%/*}|DIR|g"; }
   $ check() { for command in "$@"; do fresh; eval "$command"; other check; done; }
 
-Each finding is found, without root. Addresses from DHCP and interfaces without a file are no findings. A direct
-add zeroes a length. The check names it, and repair mends it.
+Each finding is found, without root. Addresses from DHCP and interfaces without a file are no
+findings. A direct add zeroes a length. The check names it, and repair mends it.
 
-  $ check 'ip address add 192.0.2.10/24 dev eth0 label eth0:1' 'ip address add 192.0.2.10/24 dev eth0' \
-  >   'echo IPADDR1=192.0.2.77 >>$file' 'sed -i \$s/64/0/ $file' 'echo IPV6ADDR=\" >>$file' ': >$file' \
-  >   'truncate -s -1 $file' 'touch -d "-61 sec" $file.aB3dEf' 'echo DEVICE=eth0 >$file-2' \
+  $ check 'ip address add 192.0.2.10/24 dev eth0 label eth0:1' 'echo IPADDR1=192.0.2.77 >>$file' \
+  >   'sed -i \$s/64/0/ $file' 'echo IPV6ADDR=\" >>$file' ': >$file' 'truncate -s -1 $file' \
+  >   'touch -d "-61 sec" $file.aB3dEf' 'echo DEVICE=eth0 >$file-2' \
   >   'sed -i s/INIT=yes/INIT=no/ $file' | sort -u
   192.0.2.1/24 is up but not saved: write it into DIR/ifcfg-eth0
   192.0.2.10/24 is up but not saved: run 'addrtool-safe present --readd eth0 192.0.2.10/24'
-  192.0.2.10/24 is up but not saved: write it into DIR/ifcfg-eth0
   192.0.2.77 is saved but not up: bring it up, or remove it from DIR/ifcfg-eth0
   2001:db8::1/64 is up but not saved: write it into DIR/ifcfg-eth0
   DIR/ifcfg-eth0 has a bad or second line: correct IPV6ADDR="
@@ -27,19 +25,16 @@ add zeroes a length. The check names it, and repair mends it.
   DIR/ifcfg-eth0 saves 2001:db8::1/0: run 'addrtool-safe repair eth0'
   DIR/ifcfg-eth0-2 is a second profile of eth0: remove it
   DIR/ifcfg-eth0.aB3dEf is left over: run 'addrtool-safe repair eth0'
-  $ check 'sed -i "s/static/dhcp/; /^IPADDR/d" $file' 'rm $file' \
-  >   'ip address change 192.0.2.1/24 dev eth0 valid_lft 60 preferred_lft 60; sed -i /^IPADDR/d $file'
-  $ check 'chmod 0 $file'; addrtool-safe check eth7
+  $ check 'sed -i "s/static/dhcp/; /^IPADDR/d; s/$/ /" $file' 'rm $file' \
+  >   'ip address change 192.0.2.1/24 dev eth0 valid_lft 9 preferred_lft 9; sed -i /^IPADDR/d $file'
+  $ check 'chmod 0 $file'; interface eth1 ::9/64; addrtool-safe check eth0; addrtool-safe check eth7
   [Errno 13] Permission denied: 'DIR/ifcfg-eth0'
   eth7 has neither an address nor a file: name another interface
   [1]
   $ fresh; addrtool-safe present eth0 2001:db8::5/64 >/dev/null; addrtool --add eth0 2001:db8::6 64
-  $ addrtool-safe check
+  $ addrtool-safe check; echo $?; addrtool-safe repair | grep '^[-+]I'; addrtool-safe check
   /etc/sysconfig/network-scripts/ifcfg-eth0 saves 2001:db8::5/0: run 'addrtool-safe repair eth0'
-  [4]
-  $ addrtool-safe repair | grep '^[-+]'; addrtool-safe check
-  --- /etc/sysconfig/network-scripts/ifcfg-eth0
-  +++ /etc/sysconfig/network-scripts/ifcfg-eth0
+  4
   -IPV6ADDR_SECONDARIES="2001:db8::6/64 2001:db8::5/0"
   +IPV6ADDR_SECONDARIES="2001:db8::6/64 2001:db8::5/64"
 

@@ -1,17 +1,24 @@
 A run of addrtool-safe that is killed at a system call is completed by the next one.
-
 Needs a real processor.
 Needs tracing.
 Needs no sanitizer.
 
-The kill hits addrtool-safe or a command. The next run ends with 0, as asked. Or it ends with 3 and a
-true message, and --readd, or the opposite before, helps. KILLS=1 tries each call, in an hour.
+A replaced file survives a power failure: the file is synced before the rename, its folder after it.
 
   $ fresh || exit 80
-  $ start() { fresh; addrtool-safe present eth0 192.0.2.11/24 2001:db8::6/64 2001:db8::7/64 >/dev/null; }
-  $ has() {  # TEXT: 1 if it is up, and 1 if it is saved
-  >   addresses | grep -qF "$1" && echo -n 1 || echo -n 0
-  >   grep -qF "$1" $network_scripts/* && echo 1 || echo 0; }
+  $ start() { fresh; addrtool-safe present eth0 192.0.2.11/24 2001:db8::{6,7}/64 >/dev/null; }
+  $ has() {  # TEXT: 1 if it is up, and 1 if it is saved. A temporary file saves nothing.
+  >   echo $(addresses | grep -cF "$1")$(grep -hsF "$1" $network_scripts/ifcfg-eth0{,:?} | wc -l); }
+  $ sed -i '$s/64/0/' $network_scripts/ifcfg-eth0
+  $ strace -qq -y -e fsync,rename -o /run/calls addrtool-safe repair >/dev/null
+  $ grep -o '^rename\|^fsync.*)' /run/calls
+  fsync(4</etc/sysconfig/network-scripts/.addrtool-safe>)
+  rename
+  fsync(4</etc/sysconfig/network-scripts>)
+
+The kill hits addrtool-safe or a command. The next run ends with 0, as asked. Or it ends with 3 and
+a true message, and --readd, or the opposite before, helps. KILLS=1 tries each call, in an hour.
+
   $ hits=0; while read -r words; do
   >   address=${words##* }; address=${address%/*}
   >   case $words in present*) good=11 bad=10 helps="${words/ / --readd }" ;;

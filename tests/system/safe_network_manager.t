@@ -1,5 +1,4 @@
 addrtool-safe beside NetworkManager. A stand-in for nmcli answers as the real one.
-
 Needs a real processor.
 
   $ fresh || exit 80
@@ -14,7 +13,8 @@ Needs a real processor.
   $ printf '%s\n' "System eth0:eth0:$file" 'a\:b:lo:/run/lo.nmconnection' >$run/profiles
   $ safe() { addrtool-safe "$@" || echo "[$?]"; cat $run/asked; : >$run/asked; }
 
-It loads the one file after each change, and even if nothing was to change. A check loads nothing.
+It loads the one file after each change, even if nothing was to change, and after a repair. A check
+loads nothing. A load that fails has status 0, so any output counts.
 
   $ safe present eth0 192.0.2.10/24; safe absent 192.0.2.10 192.0.2.11; safe absent 192.0.2.10
   add 192.0.2.10/24
@@ -24,9 +24,6 @@ It loads the one file after each change, and even if nothing was to change. A ch
   nmcli connection load /etc/sysconfig/network-scripts/ifcfg-eth0
   $ safe present --check eth0 192.0.2.10/24; safe check
   would add 192.0.2.10/24
-
-Repair loads a file that it has mended. A load that fails has status 0, so any output counts.
-
   $ truncate -s -1 $file; safe repair | tail -n 1; safe repair
   nmcli connection load /etc/sysconfig/network-scripts/ifcfg-eth0
   $ echo "Could not load file '$file'" >$run/answer; safe present eth0 192.0.2.11/24
@@ -35,8 +32,7 @@ Repair loads a file that it has mended. A load that fails has status 0, so any o
   [3]
   nmcli connection load /etc/sysconfig/network-scripts/ifcfg-eth0
 
-A second profile, and a profile in another file, are refused. The check names the second one. Where
-NetworkManager does not run, nothing is loaded.
+Another profile is refused, and a check names it. Without NetworkManager, nothing is loaded.
 
   $ echo "other:eth0:/etc/NetworkManager/eth0.nmconnection" >>$run/profiles
   $ safe present eth0 192.0.2.12/24; safe check
