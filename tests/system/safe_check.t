@@ -52,6 +52,7 @@ Repair mends the final line feed and left-over files, and nothing else. With --c
   -IPV6ADDR=2001:db8::1/64
   \ No newline at end of file
   +IPV6ADDR=2001:db8::1/64
-  - ifcfg-eth0: (no line feed at the end)
+  - ifcfg-eth0: IPV6ADDR=2001:db8::1/64 (no line feed)
   - ifcfg-eth0.aB3dEf 0:0 644
   - ifcfg-eth0.aB3dEf: left
+  + ifcfg-eth0: IPV6ADDR=2001:db8::1/64
