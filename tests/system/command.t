@@ -132,7 +132,8 @@ A signal is a failure with its number.
 
   $ record '[[ $(cat /proc/$PPID/comm) == sh ]] && kill -$SIGNAL $PPID || kill -$SIGNAL $$'
   $ for signal in 1 2 9 10 13 14 15; do
-  >   SIGNAL=$signal addrtool -a eth0 2001:db8::5 64; echo $?; done 2>&1 | grep -v '^ifconfig'
+  >   SIGNAL=$signal env --default-signal addrtool -a eth0 2001:db8::5 64; echo $?
+  > done 2>&1 | grep -v '^ifconfig'
   /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 1
   1
   /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 2
