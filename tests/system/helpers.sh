@@ -116,10 +116,11 @@ fail() {
   return "$status"
 }
 
+# With the paths of descriptors, the calls of coverage counters can be left out.
 calls() {
   local status=0
-  trace -f -e "trace=$1" -e signal=none "${@:2}" || status=$?
-  sed -E 's/^[0-9]+ +//; s/\.[A-Za-z0-9]{6}"/.XXXXXX"/g; s/0x[0-9a-f]{6,}/ADDRESS/g; s/_pid=[0-9]+/_pid=PID/' \
+  trace -f -y -e "trace=$1" -e signal=none "${@:2}" || status=$?
+  sed -E '/\.gcda/d; s/([0-9D])<[^>"]*>/\1/g; s/^[0-9]+ +//; s/\.[A-Za-z0-9]{6}"/.XXXXXX"/g; s/0x[0-9a-f]{6,}/ADDRESS/g; s/_pid=[0-9]+/_pid=PID/' \
     /proc/.sandbox/calls
   return "$status"
 }

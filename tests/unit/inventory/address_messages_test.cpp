@@ -58,6 +58,18 @@ TEST(AddressMessages, AnIPv4AddressIsWrittenAsInetNtopWritesIt) {
   }
 }
 
+// The other tests compare dumps, so a comparison must see each difference.
+TEST(AddressMessages, DumpsDifferInEachPart) {
+  const std::vector<AddressDump> dumps{plainIPv4,
+                                       plainIPv6,
+                                       alias("1"),
+                                       alias("2"),
+                                       nothing,
+                                       eth0With({.primaryIPv4 = {{"192.0.2.2", 24}}}),
+                                       eth0With({.primaryIPv4 = {{"192.0.2.1", 25}}})};
+  for (const AddressDump& one : dumps) EXPECT_EQ(std::ranges::count(dumps, one), 1);
+}
+
 // --- which messages count ---
 
 TEST(AddressMessages, OnlyTheFamiliesOfInternetAddressesCount) {
