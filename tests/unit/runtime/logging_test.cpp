@@ -93,7 +93,7 @@ TEST(ConsoleLog, TheTargetChoosesTheStreams) {
 constexpr int oldMask = 0x2a;
 
 TEST(InitLogging, SelectsTheConsoleIfThereIsATargetAndLeavesSyslogAlone) {
-  for (const char* const target : {"console", "stderr", "nowhere"}) {
+  for (const char* const target : {"console", "stderr", "nowhere", ""}) {
     expectInChild(silentSuccess, [=] {
       setlogmask(oldMask);
       logMessage = syslog;
