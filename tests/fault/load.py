@@ -128,8 +128,9 @@ def try_layout(names, addresses):
         interface.add()
     many, memory_of_many = check(interfaces, "added")
     _, memory_repeated = addrtool(*["--list"] * REPEATED_LISTINGS)
-    try_under_valgrind(interfaces[0])
-    check(interfaces, "run under valgrind")
+    if len(names) > 1:  # one layout is enough
+        try_under_valgrind(interfaces[0])
+        check(interfaces, "run under valgrind")
     for interface in reversed(changed):
         interface.delete()
     left, _ = check(interfaces, "deleted")
