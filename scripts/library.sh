@@ -10,6 +10,9 @@
 #   refuse TEXT              reports wrong use and exits with status 2
 #   answer_help WORD ...     if the first WORD asks for help, prints it and exits
 #   take_no_more WORD ...    refuses the first WORD, if there is one
+#   build PRESET [OPTION ...]
+#                            configures with the OPTIONs and builds, in the top folder.
+#                            Waits until no other script builds the PRESET
 #   run_logged NAME COMMAND ...
 #                            runs COMMAND in $root; its output goes to
 #                            build/NAME.log, and is shown only if it fails
@@ -39,6 +42,10 @@ answer_help() {
 }
 
 take_no_more() { (($# == 0)) || refuse "unknown word: $1"; }
+
+build() {
+  mkdir -p build && (flock 8 && cmake --preset "$@" && cmake --build --preset "$1") 8>"build/$1.lock"
+}
 
 run_logged() {
   local log=$root/build/$1.log
