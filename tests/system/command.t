@@ -133,21 +133,14 @@ A signal is a failure with its number.
   $ record '[[ $(cat /proc/$PPID/comm) == sh ]] && kill -$SIGNAL $PPID || kill -$SIGNAL $$'
   $ for signal in 1 2 9 10 13 14 15; do
   >   SIGNAL=$signal env --default-signal addrtool -a eth0 2001:db8::5 64; echo $?
-  > done 2>&1 | grep -v '^ifconfig'
-  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 1
-  1
-  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 2
-  1
-  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 9
-  1
-  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 10
-  1
-  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 13
-  1
-  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 14
-  1
-  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 15
-  1
+  > done 2>&1 | grep -v '^ifconfig' | paste -sd ' \n'
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 1 1
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 2 1
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 9 1
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 10 1
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 13 1
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 14 1
+  /sbin/ifconfig eth0 add 2001:db8::5/64 killed with signal 15 1
   $ changed
 
 A missing command is a failure of the shell.
