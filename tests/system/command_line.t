@@ -59,8 +59,7 @@ A leftover operand ends the program before any action, with a message on both st
 
   $ each '-l extra' 'extra -l' '-l -- -l' '-v 10.0.0.1 extra more' '-h extra' '--help extra' \
   >   '-d 192.0.2.10 extra' "-l ''" "-l -a '' extra" '-l -' '-d 192.0.2.10 192.0.2.11'
-  1: Some parameters in command string are left unprocessed. Check parameters please.
-  2: Some parameters in command string are left unprocessed. Check parameters please.
+  12: Some parameters in command string are left unprocessed. Check parameters please.
   [1]
   $ changed
 
@@ -68,73 +67,45 @@ Bad options are reported, each by itself. Alone, they end with the usage text. T
 
   $ fresh
   $ ip address delete 2001:db8::1/64 dev eth0
-  $ each '-x' '-m' '-x -y' '-?' '-:' '-W main' '--version' '--list=now' '--main=x' '--help=x' \
-  >   '-d' '-v' '-a' '--del' '--add' '--qv-assigned-ip'
-  addrtool -x
+  $ addrtool 2>usage
+  [2]
+  $ for words in -x -m '-x -y' '-?' -: '-W main' --version --list=now --main=x --help=x \
+  >     -d -v -a --del --add --qv-assigned-ip; do
+  >   streams addrtool $words >all || echo "addrtool $words [$?]"
+  >   sed -n '/^2: Usage/,$s/^2: //p' all | cmp - usage && sed '/^2: Usage/,$d' all; done
+  addrtool -x [2]
   2: addrtool: invalid option -- 'x'
-  2: (usage)
-  [2]
-  addrtool -m
+  addrtool -m [2]
   2: addrtool: invalid option -- 'm'
-  2: (usage)
-  [2]
-  addrtool -x -y
+  addrtool -x -y [2]
   2: addrtool: invalid option -- 'x'
   2: addrtool: invalid option -- 'y'
-  2: (usage)
-  [2]
-  addrtool -?
+  addrtool -? [2]
   2: addrtool: invalid option -- '?'
-  2: (usage)
-  [2]
-  addrtool -:
+  addrtool -: [2]
   2: addrtool: invalid option -- ':'
-  2: (usage)
-  [2]
-  addrtool -W main
+  addrtool -W main [2]
   2: addrtool: invalid option -- 'W'
-  2: (usage)
-  [2]
-  addrtool --version
+  addrtool --version [2]
   2: addrtool: unrecognized option '--version'
-  2: (usage)
-  [2]
-  addrtool --list=now
+  addrtool --list=now [2]
   2: addrtool: option '--list' doesn't allow an argument
-  2: (usage)
-  [2]
-  addrtool --main=x
+  addrtool --main=x [2]
   2: addrtool: option '--main' doesn't allow an argument
-  2: (usage)
-  [2]
-  addrtool --help=x
+  addrtool --help=x [2]
   2: addrtool: option '--help' doesn't allow an argument
-  2: (usage)
-  [2]
-  addrtool -d
+  addrtool -d [2]
   2: addrtool: option requires an argument -- 'd'
-  2: (usage)
-  [2]
-  addrtool -v
+  addrtool -v [2]
   2: addrtool: option requires an argument -- 'v'
-  2: (usage)
-  [2]
-  addrtool -a
+  addrtool -a [2]
   2: addrtool: option requires an argument -- 'a'
-  2: (usage)
-  [2]
-  addrtool --del
+  addrtool --del [2]
   2: addrtool: option '--del' requires an argument
-  2: (usage)
-  [2]
-  addrtool --add
+  addrtool --add [2]
   2: addrtool: option '--add' requires an argument
-  2: (usage)
-  [2]
-  addrtool --qv-assigned-ip
+  addrtool --qv-assigned-ip [2]
   2: addrtool: option '--qv-assigned-ip' requires an argument
-  2: (usage)
-  [2]
 
 There are no other options, neither short nor long. An empty name may mean each, in this order.
 

@@ -372,10 +372,8 @@ stays.
 
   $ ip address add 2001:db8::9/64 dev eth0 nodad; changed >/dev/null
   $ streams addrtool -d 2001:DB8:0::5
-  1: Cannot remove last IPv6 address 2001:DB8:0::5
-  1: System error 2: No such file or directory
-  2: Cannot remove last IPv6 address 2001:DB8:0::5
-  2: System error 2: No such file or directory
+  12: Cannot remove last IPv6 address 2001:DB8:0::5
+  12: System error 2: No such file or directory
   $ changed
   - eth0 2001:db8::5/64
 

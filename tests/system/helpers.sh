@@ -11,7 +11,8 @@
 #   files                  the files of the network scripts
 #   interface NAME ADDRESS ...
 #                          makes a second interface with an empty file of its own
-#   streams COMMAND ...    runs COMMAND; marks its output with "1: " and its errors with "2: "
+#   streams COMMAND ...    runs COMMAND; marks its output with "1: " and its errors with "2: ", or both
+#                          with "12: " if they are the same
 #   each WORDS ...         runs addrtool once with each of the arguments, split as the shell would. Shows
 #                          both streams and the status as streams does, but equal results only once,
 #                          below the words that gave them, and the usage text as (usage)
@@ -68,12 +69,16 @@ interface() {
 }
 
 streams() {
-  local status=0 stream
+  local status=0 stream streams=(1 2)
   "$@" >/proc/.sandbox/1 2>/proc/.sandbox/2 </dev/null || status=$?
-  for stream in 1 2; do
+  if cmp -s /proc/.sandbox/1 /proc/.sandbox/2; then
+    mv /proc/.sandbox/1 /proc/.sandbox/12
+    streams=(12)
+  fi
+  for stream in "${streams[@]}"; do
     [[ -s /proc/.sandbox/$stream ]] || continue
-    echo "$no_line_feed" >>/proc/.sandbox/$stream
-    sed "/^$no_line_feed$/d; s/^/$stream: /" /proc/.sandbox/$stream
+    echo "$no_line_feed" >>"/proc/.sandbox/$stream"
+    sed "/^$no_line_feed$/d; s/^/$stream: /" "/proc/.sandbox/$stream"
   done
   return "$status"
 }

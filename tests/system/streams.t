@@ -85,8 +85,7 @@ Answers are output, failures are errors, reports are both.
   2: (usage)
   [2]
   addrtool -l extra
-  1: Some parameters in command string are left unprocessed. Check parameters please.
-  2: Some parameters in command string are left unprocessed. Check parameters please.
+  12: Some parameters in command string are left unprocessed. Check parameters please.
   [1]
   addrtool -h
   2: (usage)
